@@ -1,0 +1,42 @@
+# Shared by scripts/run and scripts/test: installs the Debian packages the
+# build needs (quietly, only those missing) and builds into build/.
+# Sourced, not run.
+
+QUILLET_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+QUILLET_BUILD="$QUILLET_ROOT/build"
+
+QUILLET_PACKAGES=(
+    cmake ninja-build g++
+    qt6-base-dev            # Qt Core, Gui, Widgets, PrintSupport, Test
+    fonts-liberation        # metric-compatible Arial and Courier faces
+    libbenchmark-dev        # the benchmarks under bench/
+    xvfb xauth xdotool imagemagick   # a real window for scripts/screenshot
+)
+
+quillet_as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+quillet_install_packages() {
+    local missing=()
+    local package
+    for package in "${QUILLET_PACKAGES[@]}"; do
+        if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed'; then
+            missing+=("$package")
+        fi
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    export DEBIAN_FRONTEND=noninteractive
+    quillet_as_root apt-get update -qq
+    quillet_as_root apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+quillet_build() {
+    cmake -S "$QUILLET_ROOT" -B "$QUILLET_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build "$QUILLET_BUILD"
+}

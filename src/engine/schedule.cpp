@@ -1,0 +1,121 @@
+#include "schedule.h"
+
+#include "rates.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace quillet {
+
+namespace {
+
+template <typename Schedule>
+auto scheduleRows(const ScheduleStart &start, int firstPeriod, int count)
+{
+    Schedule schedule(start);
+    for (int k = 1; k < firstPeriod; ++k)
+        schedule.next();
+    std::vector<decltype(schedule.next())> rows;
+    rows.reserve(std::max(count, 0));
+    for (int j = 0; j < count; ++j)
+        rows.push_back(schedule.next());
+    return rows;
+}
+
+} // namespace
+
+const FieldDisplay &ScheduleHeader::value(Field field) const
+{
+    const auto found = std::find(ValueFields.begin(), ValueFields.end(), field);
+    return values.at(found == ValueFields.end() ? 0 : found - ValueFields.begin());
+}
+
+ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, quint16 stateFlags)
+{
+    ScheduleHeader header;
+    const QString desc = trimmedDesc(record);
+    if (!desc.isEmpty())
+        header.desc = u' ' + desc;
+    for (std::size_t k = 0; k < ScheduleHeader::ValueFields.size(); ++k)
+        header.values[k] = FieldText(record, ScheduleHeader::ValueFields[k], investments, stateFlags);
+    header.perYear = QString::number(record.PerYear);
+    return header;
+}
+
+std::optional<double> schedulePerYear(QStringView perYearText)
+{
+    if (perYearText.trimmed().isEmpty())
+        return 1.0;
+    return parseNumber(perYearText);
+}
+
+PeriodCountOutcome PeriodCountFor(QStringView yearsText, QStringView perYearText)
+{
+    using Status = PeriodCountOutcome::Status;
+    if (yearsText.trimmed().isEmpty())
+        return {Status::YearsEmpty, 0};
+    const std::optional<double> perYear = schedulePerYear(perYearText);
+    const std::optional<double> years = parseNumber(yearsText);
+    if (!perYear || !years)
+        return {Status::NotANumber, 0};
+    const double periods = roundHalfEven(*years * *perYear);
+    if (!(periods >= std::numeric_limits<qint16>::min() &&
+          periods <= std::numeric_limits<qint16>::max()))
+        return {Status::TooMany, 0};
+    return {Status::Counted, static_cast<qint16>(periods)};
+}
+
+ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, double perYear,
+                            quint16 stateFlags)
+{
+    return {Solve(record, Field::InitialAmount, investments, stateFlags).value,
+            Solve(record, Field::IRate, investments, stateFlags).value,
+            Solve(record, Field::Payment, investments, stateFlags).value, perYear};
+}
+
+InvestmentSchedule::InvestmentSchedule(const ScheduleStart &start)
+    : m_balance(start.balance),
+      m_rate(PeriodicRate(start.yearlyRate, start.perYear)),
+      m_payment(start.payment)
+{
+}
+
+InvestmentScheduleRow InvestmentSchedule::next()
+{
+    const double earnings = m_balance * m_rate;
+    m_balance = (m_balance + earnings) + m_payment;
+    m_cumulative = m_cumulative + earnings;
+    return {++m_period, earnings, m_cumulative, m_balance};
+}
+
+std::vector<InvestmentScheduleRow> InvestmentSchedule::rows(const ScheduleStart &start,
+                                                            int firstPeriod, int count)
+{
+    return scheduleRows<InvestmentSchedule>(start, firstPeriod, count);
+}
+
+LoanSchedule::LoanSchedule(const ScheduleStart &start)
+    : m_balance(start.balance),
+      m_rate(LoanPeriodicRate(start.yearlyRate, start.perYear)),
+      m_payment(start.payment)
+{
+}
+
+LoanScheduleRow LoanSchedule::next()
+{
+    const double interest = m_balance * m_rate;
+    const double principal = m_payment - interest;
+    m_cumulativePrincipal = m_cumulativePrincipal + principal;
+    m_cumulativeInterest = m_cumulativeInterest + interest;
+    m_balance = m_balance - principal;
+    return {++m_period, principal,           interest, m_cumulativePrincipal,
+            m_cumulativeInterest, m_balance};
+}
+
+std::vector<LoanScheduleRow> LoanSchedule::rows(const ScheduleStart &start, int firstPeriod,
+                                                int count)
+{
+    return scheduleRows<LoanSchedule>(start, firstPeriod, count);
+}
+
+} // namespace quillet
