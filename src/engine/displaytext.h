@@ -32,8 +32,7 @@ QString FormatValue(Field field, double value, bool ok);
 QString PadNum(double value, int width);
 
 // a when a < b, else b.
-template <typename T>
-constexpr T MinOf(T a, T b)
+template <typename T> constexpr T MinOf(T a, T b)
 {
     return a < b ? a : b;
 }

@@ -37,7 +37,8 @@ ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, qu
     if (!desc.isEmpty())
         header.desc = u' ' + desc;
     for (std::size_t k = 0; k < ScheduleHeader::ValueFields.size(); ++k)
-        header.values[k] = FieldText(record, ScheduleHeader::ValueFields[k], investments, stateFlags);
+        header.values[k] =
+            FieldText(record, ScheduleHeader::ValueFields[k], investments, stateFlags);
     header.perYear = QString::number(record.PerYear);
     return header;
 }
@@ -74,11 +75,9 @@ ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, doub
 }
 
 InvestmentSchedule::InvestmentSchedule(const ScheduleStart &start)
-    : m_balance(start.balance),
-      m_rate(PeriodicRate(start.yearlyRate, start.perYear)),
+    : m_balance(start.balance), m_rate(PeriodicRate(start.yearlyRate, start.perYear)),
       m_payment(start.payment)
-{
-}
+{}
 
 InvestmentScheduleRow InvestmentSchedule::next()
 {
@@ -95,11 +94,9 @@ std::vector<InvestmentScheduleRow> InvestmentSchedule::rows(const ScheduleStart 
 }
 
 LoanSchedule::LoanSchedule(const ScheduleStart &start)
-    : m_balance(start.balance),
-      m_rate(LoanPeriodicRate(start.yearlyRate, start.perYear)),
+    : m_balance(start.balance), m_rate(LoanPeriodicRate(start.yearlyRate, start.perYear)),
       m_payment(start.payment)
-{
-}
+{}
 
 LoanScheduleRow LoanSchedule::next()
 {
@@ -108,7 +105,7 @@ LoanScheduleRow LoanSchedule::next()
     m_cumulativePrincipal = m_cumulativePrincipal + principal;
     m_cumulativeInterest = m_cumulativeInterest + interest;
     m_balance = m_balance - principal;
-    return {++m_period, principal,           interest, m_cumulativePrincipal,
+    return {++m_period,           principal, interest, m_cumulativePrincipal,
             m_cumulativeInterest, m_balance};
 }
 

@@ -58,7 +58,8 @@ double remainingLoanInterest(double balance, double i, double payment, double re
     const double interestNow = i * balance;
     if (payment > interestNow) {
         // The first period whose payment clears the balance.
-        const double payOff = std::ceil(std::log(payment / (payment - interestNow)) / std::log1p(i));
+        const double payOff =
+            std::ceil(std::log(payment / (payment - interestNow)) / std::log1p(i));
         if (std::isfinite(payOff) && payOff >= 1 && payOff < periods)
             periods = payOff;
     }

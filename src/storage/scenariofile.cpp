@@ -71,10 +71,11 @@ Status ScenarioFile::openHandle()
         return failure(QStringLiteral("open"), file->errorString());
     const qint64 records = countForSize(file->size());
     if (records > MaxRecords) {
-        return Status::failure(QStringLiteral("%1 holds %2 records, more than the %3 a list can hold.")
-                                   .arg(displayName())
-                                   .arg(records)
-                                   .arg(MaxRecords));
+        return Status::failure(
+            QStringLiteral("%1 holds %2 records, more than the %3 a list can hold.")
+                .arg(displayName())
+                .arg(records)
+                .arg(MaxRecords));
     }
     m_file = std::move(file);
     m_count = static_cast<int>(records);

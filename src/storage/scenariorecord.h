@@ -24,7 +24,10 @@ inline constexpr int SlotSize = 148;
 // The two lists, numbered as the list files and per-list state are indexed.
 enum class ListKind : int { Loans = 0, Investments = 1 };
 
-inline constexpr int listIndex(ListKind list) { return static_cast<int>(list); }
+inline constexpr int listIndex(ListKind list)
+{
+    return static_cast<int>(list);
+}
 
 // One scenario exactly as a slot of a list file holds it. Desc keeps the
 // file's Windows-1252 bytes, so a record survives a read and a write

@@ -7,7 +7,8 @@ namespace quillet {
 Status Session::openDataFiles(const QString &directory)
 {
     const QDir dir(directory);
-    if (Status status = list(ListKind::Investments).file.OpenDataFile(dir.filePath(InvestmentsFileName));
+    if (Status status =
+            list(ListKind::Investments).file.OpenDataFile(dir.filePath(InvestmentsFileName));
         !status.ok())
         return status;
     return list(ListKind::Loans).file.OpenDataFile(dir.filePath(LoansFileName));
