@@ -84,11 +84,11 @@ std::optional<double> parseNumber(QStringView text)
 
 QString plainNumber(double value)
 {
+    // Fifteen significant digits, as many as a double holds faithfully, so
+    // that 0.07 * 100 edits as 7 rather than 7.000000000000001.
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    if (value != 0 && (std::abs(value) >= 1e15 || std::abs(value) < 1e-4))
-        return locale.toString(value, 'g', QLocale::FloatingPointShortest);
-    return locale.toString(value, 'f', QLocale::FloatingPointShortest);
+    return locale.toString(value, 'g', 15);
 }
 
 } // namespace quillet

@@ -47,7 +47,7 @@ QString RemoveText(const QString &s, const QString &t);
 std::optional<double> parseNumber(QStringView text);
 
 // A number as plain text for editing: the locale's decimal separator, no
-// grouping, as few digits as give back the same value.
+// grouping, at most 15 significant digits.
 QString plainNumber(double value);
 
 } // namespace quillet

@@ -1,0 +1,61 @@
+#include "startup.h"
+
+#include "fonts.h"
+#include "mainwindow.h"
+#include "session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLockFile>
+#include <QMessageBox>
+
+namespace quillet {
+
+namespace {
+
+void showStartupProblem(const QString &message)
+{
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Quillet"), message, QMessageBox::Ok);
+    box.exec();
+}
+
+} // namespace
+
+bool haveDisplay()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+QString lockFileName()
+{
+    return QStringLiteral(".quillet.lock");
+}
+
+int runQuillet()
+{
+    installFontSubstitutions();
+
+    // Two copies on the same lists would overwrite each other's changes.
+    QLockFile lock(QDir::current().filePath(lockFileName()));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock(0)) {
+        showStartupProblem(
+            QStringLiteral("Quillet is already open in the folder %1. Use that window: a second "
+                           "one would overwrite the changes made in the other.")
+                .arg(QDir::toNativeSeparators(QDir::currentPath())));
+        return 1;
+    }
+
+    Session session;
+    MainWindow window(session);
+    if (const Status status = window.Form_Load(); !status.ok()) {
+        showStartupProblem(status.message());
+        return 1;
+    }
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace quillet

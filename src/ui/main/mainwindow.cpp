@@ -1,0 +1,829 @@
+#include "mainwindow.h"
+
+#include "buttonpictures.h"
+#include "celledit.h"
+#include "displaytext.h"
+#include "rates.h"
+#include "twips.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QToolButton>
+
+#include <algorithm>
+#include <map>
+
+namespace quillet {
+
+namespace {
+
+using namespace MainLayout;
+
+const QColor InvestmentsColour(192, 255, 192);
+const QColor LoansColour(255, 192, 192);
+const QColor HelpBoxColour(255, 255, 192);
+
+const QString InvestmentsName = QStringLiteral("Investments");
+const QString LoansName = QStringLiteral("Loans");
+
+QColor buttonFace()
+{
+    return QApplication::palette().color(QPalette::Button);
+}
+
+// The colour of a scroll bar's trough, which the header cells wear.
+QColor scrollBarColour()
+{
+    return QApplication::palette().color(QPalette::Button).darker(112);
+}
+
+QColor systemColour(QPalette::ColorRole role)
+{
+    return QApplication::palette().color(role);
+}
+
+QString arrayName(QStringView name, int index)
+{
+    return QStringLiteral("%1(%2)").arg(name).arg(index);
+}
+
+Field fieldOf(GridColumn column)
+{
+    switch (column) {
+    case GridColumn::InitialAmount:
+        return Field::InitialAmount;
+    case GridColumn::Yield:
+        return Field::IRate;
+    case GridColumn::Years:
+        return Field::Years;
+    case GridColumn::Payment:
+        return Field::Payment;
+    case GridColumn::FutureValue:
+        return Field::FutureValue;
+    case GridColumn::Desc:
+        return Field::Desc;
+    case GridColumn::PerYear:
+        return Field::PerYear;
+    }
+    return Field::Desc;
+}
+
+constexpr std::array<GridColumn, 5> ValueColumns = {GridColumn::InitialAmount, GridColumn::Yield,
+                                                    GridColumn::Years, GridColumn::Payment,
+                                                    GridColumn::FutureValue};
+
+void setButtonColour(QPushButton *button, const QColor &colour)
+{
+    QPalette colours = button->palette();
+    colours.setColor(QPalette::Button, colour);
+    button->setPalette(colours);
+}
+
+// Sets a bit of the session's state flags for as long as it lives.
+class StateFlagScope
+{
+public:
+    StateFlagScope(Session &session, StateFlag flag) : m_session(session), m_flag(flag)
+    {
+        m_session.StateFlags |= m_flag;
+    }
+    ~StateFlagScope() { m_session.StateFlags &= static_cast<quint16>(~m_flag); }
+    Q_DISABLE_COPY_MOVE(StateFlagScope)
+
+private:
+    Session &m_session;
+    StateFlag m_flag;
+};
+
+} // namespace
+
+MainWindow::MainWindow(Session &session, QWidget *parent)
+    : QWidget(parent), m_session(session), Desc(m_columns[0]), InitialAmount(m_columns[1]),
+      Yield(m_columns[2]), Years(m_columns[3]), Payment(m_columns[4]), PerYear(m_columns[5]),
+      FutureValue(m_columns[6])
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Fennrow"));
+    setWindowIcon(quilletIcon());
+    QFont windowFont(QStringLiteral("Arial"));
+    windowFont.setPointSizeF(9);
+    setFont(windowFont);
+    m_measure = std::make_unique<TextMeasure>(windowFont, logicalDpiX());
+    buildLayout();
+}
+
+MainWindow::~MainWindow() = default;
+
+const MainWindow::CellColumn &MainWindow::cells(GridColumn column) const
+{
+    return m_columns.at(static_cast<std::size_t>(column));
+}
+
+QRect MainWindow::pixelRect(int left, int top, int width, int height) const
+{
+    return twipsRect(left, top, width, height, logicalDpiX());
+}
+
+void MainWindow::buildLayout()
+{
+    setFixedSize(pixelRect(0, 0, ClientWidth, ClientHeight).size());
+    buildCommandBar();
+    buildListButtons();
+    buildGrid();
+    buildScrollBarAndHelpBox();
+    setTabOrder();
+}
+
+void MainWindow::buildCommandBar()
+{
+    QFont barFont(QStringLiteral("Arial"));
+    barFont.setPointSizeF(8.25);
+    // Command2 is made first so that cmdExit, lying on it, takes the clicks.
+    std::array<std::size_t, Commands.size()> order{};
+    for (std::size_t k = 0; k < order.size(); ++k)
+        order[k] = order.size() - 1 - k;
+    std::sort(order.begin(), order.end(), [](std::size_t a, std::size_t b) {
+        const auto rank = [](std::size_t k) {
+            return Commands[k].command == Command::Command2 ? 0 : 1;
+        };
+        return rank(a) != rank(b) ? rank(a) < rank(b) : a < b;
+    });
+    for (const std::size_t k : order) {
+        const CommandSpec &spec = Commands[k];
+        auto *button = new QToolButton(this);
+        button->setObjectName(spec.name.toString());
+        button->setText(spec.caption.toString());
+        button->setToolTip(spec.toolTip.toString());
+        button->setFont(barFont);
+        button->setIcon(commandIcon(spec));
+        button->setIconSize(spec.picture);
+        button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+        // Clicking a command takes the focus, so a cell being edited is left,
+        // and saved, before the command runs.
+        button->setFocusPolicy(Qt::StrongFocus);
+        button->setGeometry(pixelRect(spec.left, 0, CommandWidth, CommandHeight));
+        m_commands[k] = button;
+    }
+    AddNew = m_commands[0];
+    Copy = m_commands[1];
+    Delete = m_commands[2];
+    Undo = m_commands[3];
+    MoveUp = m_commands[4];
+    MoveDown = m_commands[5];
+    Amort = m_commands[6];
+    Print = m_commands[7];
+    cmdExit = m_commands[8];
+    Command2 = m_commands[9];
+
+    connect(AddNew, &QToolButton::clicked, this, &MainWindow::AddNew_Click);
+    connect(Copy, &QToolButton::clicked, this, &MainWindow::Copy_Click);
+    connect(Delete, &QToolButton::clicked, this, &MainWindow::Delete_Click);
+    connect(Undo, &QToolButton::clicked, this, &MainWindow::Undo_Click);
+    connect(MoveUp, &QToolButton::clicked, this, &MainWindow::MoveUp_Click);
+    connect(MoveDown, &QToolButton::clicked, this, &MainWindow::MoveDown_Click);
+    connect(cmdExit, &QToolButton::clicked, this, &MainWindow::cmdExit_Click);
+}
+
+void MainWindow::buildListButtons()
+{
+    const auto makeButton = [this](const ListButtonSpec &spec) {
+        auto *button = new QPushButton(spec.caption.toString(), this);
+        button->setObjectName(spec.name.toString());
+        button->setToolTip(spec.toolTip.toString());
+        button->setGeometry(pixelRect(spec.left, ListButtonTop, ListButtonWidth, ListButtonHeight));
+        setButtonColour(button, buttonFace());
+        return button;
+    };
+    Investments = makeButton(InvestmentsButton);
+    Loans = makeButton(LoansButton);
+    connect(Investments, &QPushButton::clicked, this, &MainWindow::Investments_Click);
+    connect(Loans, &QPushButton::clicked, this, &MainWindow::Loans_Click);
+}
+
+void MainWindow::buildGrid()
+{
+    QFont selFont(QStringLiteral("MS Serif"));
+    selFont.setPointSizeF(8.25);
+    QFont selHeaderFont(QStringLiteral("MS Sans Serif"));
+    selHeaderFont.setPointSizeF(8.25);
+    for (int index = 0; index <= RowCount; ++index) {
+        auto *selector = new QPushButton(this);
+        selector->setObjectName(arrayName(u"Sel", index));
+        if (index == 0) {
+            selector->setFont(selHeaderFont);
+            selector->setGeometry(
+                pixelRect(SelLeft, SelHeaderTop, SelHeaderWidth, SelHeaderHeight));
+            selector->setEnabled(false);
+        } else {
+            selector->setFont(selFont);
+            selector->setGeometry(pixelRect(SelLeft, rowTop(index), SelWidth, RowHeight));
+            selector->setToolTip((index == 1 ? FirstSelToolTip : SelToolTip).toString());
+            connect(selector, &QPushButton::clicked, this, [this, index] { Sel_Click(index); });
+        }
+        Sel[index] = selector;
+    }
+
+    for (const ColumnSpec &spec : Columns) {
+        CellColumn &column = m_columns.at(static_cast<std::size_t>(spec.column));
+        for (int index = 0; index <= RowCount; ++index) {
+            auto *cell = new GridCell(spec.column, index, this);
+            cell->setObjectName(arrayName(spec.name, index));
+            if (index == 0) {
+                cell->setGeometry(pixelRect(spec.left, HeaderTop, spec.width, HeaderHeight));
+                cell->setText(spec.header.toString());
+                cell->setAlignment(Qt::AlignCenter);
+                cell->setReadOnly(true);
+                cell->setColours(spec.column == GridColumn::Desc ? buttonFace() : scrollBarColour(),
+                                 systemColour(QPalette::Text));
+            } else {
+                cell->setGeometry(pixelRect(spec.left, rowTop(index), spec.width, RowHeight));
+                cell->setAlignment(spec.alignment | Qt::AlignVCenter);
+                cell->setColours(systemColour(QPalette::Base), systemColour(QPalette::Text));
+                cell->installEventFilter(this);
+            }
+            column[index] = cell;
+        }
+    }
+}
+
+void MainWindow::buildScrollBarAndHelpBox()
+{
+    VScroll1 = new QScrollBar(Qt::Vertical, this);
+    VScroll1->setObjectName(QStringLiteral("VScroll1"));
+    VScroll1->setGeometry(pixelRect(VScrollLeft, VScrollTop, VScrollWidth, VScrollHeight));
+    VScroll1->setFocusPolicy(Qt::StrongFocus);
+    // Starting on the first record means the first range set raises no change.
+    VScroll1->setRange(1, 1);
+    VScroll1->setValue(1);
+    VScroll1->hide();
+    connect(VScroll1, &QScrollBar::valueChanged, this, &MainWindow::VScroll1_Change);
+
+    HelpBox = new QLabel(this);
+    HelpBox->setObjectName(QStringLiteral("HelpBox"));
+    HelpBox->setGeometry(pixelRect(HelpBoxLeft, HelpBoxTop, HelpBoxWidth, HelpBoxHeight));
+    HelpBox->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    HelpBox->setWordWrap(true);
+    HelpBox->setMargin(2);
+    HelpBox->setAutoFillBackground(true);
+    QPalette colours = HelpBox->palette();
+    colours.setColor(QPalette::Window, HelpBoxColour);
+    colours.setColor(QPalette::WindowText, systemColour(QPalette::Text));
+    HelpBox->setPalette(colours);
+}
+
+void MainWindow::setTabOrder()
+{
+    std::map<int, QWidget *> byTabIndex;
+    for (const ColumnSpec &spec : Columns) {
+        const CellColumn &column = cells(spec.column);
+        byTabIndex[spec.firstTabIndex] = column[0];
+        for (int row = 1; row <= RowCount; ++row)
+            byTabIndex[cellTabIndex(spec.column, row)] = column[row];
+    }
+    byTabIndex[VScrollTabIndex] = VScroll1;
+    for (int index = 0; index <= RowCount; ++index)
+        byTabIndex[FirstSelTabIndex + index] = Sel[index];
+    byTabIndex[InvestmentsButton.tabIndex] = Investments;
+    byTabIndex[LoansButton.tabIndex] = Loans;
+    for (std::size_t k = 0; k < Commands.size(); ++k)
+        byTabIndex[Commands[k].tabIndex] = m_commands[k];
+
+    QWidget *previous = nullptr;
+    for (const auto &[tabIndex, widget] : byTabIndex) {
+        if (previous)
+            QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
+Status MainWindow::Form_Load()
+{
+    if (Status status = m_session.openDataFiles(QDir::currentPath()); !status.ok())
+        return status;
+    m_session.StateFlags = 0;
+    for (const ListKind list : {ListKind::Investments, ListKind::Loans}) {
+        m_session.list(list).TopRow = 1;
+        m_session.list(list).SelRow = 0;
+    }
+    m_session.InvMode = false;
+
+    SwitchTo(InvestmentsName);
+    if (m_session.list(ListKind::Investments).NumRecs() == 0) {
+        SwitchTo(LoansName);
+        if (m_session.list(ListKind::Loans).NumRecs() == 0)
+            SwitchTo(InvestmentsName);
+    }
+    DispRows();
+    showHelp(GeneralHelp());
+    return {};
+}
+
+void MainWindow::Form_Activate()
+{
+    doFocus();
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (!m_activated) {
+        m_activated = true;
+        Form_Activate();
+    }
+}
+
+void MainWindow::SwitchTo(const QString &name)
+{
+    Session &session = m_session;
+    if (name == InvestmentsName && !session.InvMode) {
+        session.InvMode = true;
+        session.CurList = ListKind::Investments;
+        setButtonColour(Investments, InvestmentsColour);
+        Yield[0]->setText(QStringLiteral("Yield"));
+        FutureValue[0]->setText(QStringLiteral("Future Value"));
+        setButtonColour(Loans, buttonFace());
+    } else if (name != InvestmentsName && session.InvMode) {
+        session.InvMode = false;
+        session.CurList = ListKind::Loans;
+        setButtonColour(Loans, LoansColour);
+        Yield[0]->setText(QStringLiteral("Rate"));
+        FutureValue[0]->setText(QStringLiteral("Total Interest"));
+        setButtonColour(Investments, buttonFace());
+    } else {
+        return;
+    }
+
+    DoVerticalScroll();
+    ClearAllRows();
+    const QColor listColour = session.InvMode ? InvestmentsColour : LoansColour;
+    for (const ColumnSpec &spec : Columns) {
+        const CellColumn &column = cells(spec.column);
+        column[0]->setColours(listColour, systemColour(QPalette::Text));
+        const QString tip = FieldTip(spec.column, session.CurList);
+        for (GridCell *cell : column) {
+            cell->setToolTip(tip);
+            updateAccessibleName(cell);
+        }
+    }
+}
+
+void MainWindow::DoVerticalScroll()
+{
+    const int records = m_session.current().NumRecs();
+    if (records > RowCount) {
+        VScroll1->setRange(1, records - (RowCount - 1));
+        VScroll1->setPageStep(RowCount);
+        VScroll1->show();
+    } else {
+        VScroll1->hide();
+    }
+}
+
+void MainWindow::VScroll1_Change(int value)
+{
+    m_session.current().TopRow = static_cast<qint16>(value);
+    DispRows();
+}
+
+void MainWindow::DispRows()
+{
+    const ListState &list = m_session.current();
+    if (list.NumRecs() >= 1) {
+        StateFlagScope busy(m_session, BusyFlag);
+        const int top = list.TopRow;
+        for (int record = top; record <= list.NumRecs() && record < top + RowCount; ++record) {
+            // The selector of the grid row, so that scrolled lists draw right.
+            const int row = record - top + 1;
+            Sel[row]->show();
+            Sel[row]->setText(QString::number(record));
+            if (!readRecord(record))
+                break;
+            DispRow(row);
+        }
+    }
+    EnableButtons();
+    doFocus();
+}
+
+void MainWindow::DispRow(int k)
+{
+    if (k < 1 || k > RowCount)
+        return;
+    StateFlagScope busy(m_session, BusyFlag);
+    ScenarioRecord &record = m_session.WorkingRecord;
+    const ListState &list = m_session.current();
+
+    const QString desc = trimmedDesc(record);
+    setDescText(record, desc);
+    Desc[k]->setText(desc.isEmpty() ? QString() : Fit(desc, DescCellWidth, *m_measure));
+
+    const bool selected = list.SelRow == list.TopRow + k - 1;
+    const QColor background = systemColour(selected ? QPalette::Highlight : QPalette::Base);
+    const QColor text = systemColour(selected ? QPalette::HighlightedText : QPalette::Text);
+    for (const CellColumn &column : m_columns) {
+        column[k]->setColours(background, text);
+        column[k]->setReadOnly(false);
+    }
+    // The total interest of a loan is never typed in.
+    FutureValue[k]->setReadOnly(!m_session.InvMode);
+
+    for (const GridColumn column : ValueColumns) {
+        const FieldDisplay shown =
+            FieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
+        GridCell *cell = cells(column)[k];
+        cell->setText(shown.text);
+        cell->setBold(shown.computed);
+    }
+    PerYear[k]->setText(record.PerYear == BlankPerYear ? QString()
+                                                       : QString::number(record.PerYear));
+    for (const CellColumn &column : m_columns)
+        updateAccessibleName(column[k]);
+}
+
+void MainWindow::ClearRow(int k)
+{
+    if (k < 1 || k > RowCount)
+        return;
+    Sel[k]->setText(QString());
+    Sel[k]->hide();
+    for (const CellColumn &column : m_columns) {
+        GridCell *cell = column[k];
+        cell->setText(QString());
+        cell->setBold(false);
+        cell->setColours(buttonFace(), systemColour(QPalette::Text));
+        // A row without a record has nothing to edit.
+        cell->setReadOnly(true);
+        updateAccessibleName(cell);
+    }
+}
+
+void MainWindow::ClearAllRows()
+{
+    for (int k = 1; k <= RowCount; ++k)
+        ClearRow(k);
+}
+
+void MainWindow::doFocus()
+{
+    if (!VScroll1->isHidden()) {
+        VScroll1->setFocus();
+        return;
+    }
+    QPushButton *listButton = m_session.InvMode ? Investments : Loans;
+    if (!listButton->isHidden())
+        listButton->setFocus();
+}
+
+void MainWindow::EnableButtons()
+{
+    const ListState &list = m_session.current();
+    const bool selected = list.SelRow >= 1;
+    for (QToolButton *button : {Copy, Delete, MoveUp, MoveDown, Amort})
+        button->setEnabled(selected);
+    Undo->setEnabled(list.undo.UndoCount() >= 1);
+}
+
+void MainWindow::Investments_Click()
+{
+    SwitchTo(InvestmentsName);
+    DispRows();
+}
+
+void MainWindow::Loans_Click()
+{
+    SwitchTo(LoansName);
+    DispRows();
+}
+
+void MainWindow::Sel_Click(int index)
+{
+    ListState &list = m_session.current();
+    if (index < 1 || index > RowCount || index > list.NumRecs())
+        return;
+    const int n = list.TopRow + index - 1;
+    if (n > list.NumRecs())
+        return;
+    bool deselect = false;
+    if (list.SelRow > 0) {
+        if (list.SelRow != n) {
+            const int old = list.SelRow;
+            list.SelRow = 0;
+            if (readRecord(old))
+                DispRow(old - list.TopRow + 1);
+        } else {
+            deselect = true;
+        }
+    }
+    list.SelRow = static_cast<qint16>(n);
+    const bool read = readRecord(n);
+    if (deselect)
+        list.SelRow = 0;
+    if (read)
+        DispRow(index);
+    doFocus();
+    EnableButtons();
+}
+
+void MainWindow::cmdExit_Click()
+{
+    // Everything is on disk already.
+    close();
+}
+
+bool MainWindow::handlesRow(int k) const
+{
+    const ListState &list = m_session.current();
+    return k >= 1 && k <= RowCount && k <= list.NumRecs() && list.TopRow + k - 1 <= list.NumRecs();
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *cell = qobject_cast<GridCell *>(watched);
+    if (!cell)
+        return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonRelease: {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        // A click inside the cell being edited only moves the cursor.
+        if (mouse->button() == Qt::LeftButton &&
+            cell->rect().contains(mouse->position().toPoint()) && !cell->hasEditLook())
+            cell_Click(cell);
+        break;
+    }
+    case QEvent::FocusIn: {
+        // Reaching a cell with the keyboard starts an edit as a click does.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+            cell_Click(cell);
+        break;
+    }
+    case QEvent::KeyPress:
+        return cell_KeyPress(cell, static_cast<QKeyEvent *>(event));
+    case QEvent::FocusOut: {
+        // Another window or a menu taking the focus does not leave the cell.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            cell_LostFocus(cell);
+        break;
+    }
+    default:
+        break;
+    }
+    return false;
+}
+
+void MainWindow::cell_Click(GridCell *cell)
+{
+    const int k = cell->row();
+    if (!handlesRow(k))
+        return;
+    ListState &list = m_session.current();
+    showHelp(FieldHelp(cell->column(), m_session.CurList));
+    if (cell->column() == GridColumn::FutureValue && !m_session.InvMode)
+        return;
+
+    m_session.StateFlags |= EditingFlag;
+    if (list.SelRow > 0) {
+        const int selected = list.SelRow;
+        if (readRecord(selected)) {
+            list.SelRow = 0;
+            DispRow(selected - list.TopRow + 1);
+        }
+        list.SelRow = 0;
+        EnableButtons();
+    }
+    cell->setEditLook(true);
+    const QString shown = cell->text();
+    if (!readRecord(list.TopRow + k - 1))
+        return;
+    const EditingText editing = editingText(cell->column(), m_session.WorkingRecord, shown);
+    cell->setText(editing.text);
+    if (editing.clearChangedFlag)
+        cell->setDataChanged(false);
+}
+
+bool MainWindow::cell_KeyPress(GridCell *cell, const QKeyEvent *event)
+{
+    if (!handlesRow(cell->row()))
+        return false;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        doFocus();
+        return true;
+    case Qt::Key_Escape:
+        // What was typed is dropped: the row is drawn again from the file.
+        cell->setDataChanged(false);
+        doFocus();
+        return true;
+    default:
+        break;
+    }
+    if (cell->column() == GridColumn::FutureValue && !m_session.InvMode &&
+        !event->text().isEmpty()) {
+        cell->setDataChanged(false);
+        return true;
+    }
+    return false;
+}
+
+void MainWindow::cell_LostFocus(GridCell *cell)
+{
+    const int k = cell->row();
+    if (!handlesRow(k))
+        return;
+    if (cell->column() == GridColumn::FutureValue && !m_session.InvMode) {
+        showHelp(GeneralHelp());
+        return;
+    }
+    const int record = m_session.current().TopRow + k - 1;
+    if (readRecord(record) && cell->DataChanged())
+        saveCell(cell, record);
+    DispRow(k);
+    m_session.StateFlags &= static_cast<quint16>(~EditingFlag);
+    cell->setEditLook(false);
+    showHelp(GeneralHelp());
+}
+
+void MainWindow::saveCell(GridCell *cell, int record)
+{
+    const ScenarioRecord before = m_session.WorkingRecord;
+    ScenarioRecord after = before;
+    switch (storeCellText(cell->column(), cell->text(), after)) {
+    case StoreOutcome::Stored:
+        break;
+    case StoreOutcome::PerYearOutOfRange:
+        // The old value stays, but the edit still counts as a change.
+        showMessage(perYearMessage());
+        break;
+    case StoreOutcome::NotANumber:
+        // Refused: nothing is written and nothing is left to undo.
+        showMessage(notANumberMessage(cell->text()));
+        return;
+    }
+    if (!writeRecord(record, after))
+        return;
+    m_session.WorkingRecord = after;
+    m_session.PushUndo(before, static_cast<qint16>(record), 0);
+    EnableButtons();
+}
+
+void MainWindow::AddNew_Click()
+{
+    if (!roomForOneMore())
+        return;
+    ScenarioRecord &record = m_session.WorkingRecord;
+    record.makeBlank();
+    writeRecord(m_session.current().NumRecs() + 1, record);
+    DispRows();
+}
+
+void MainWindow::Copy_Click()
+{
+    // The working record as it stands: after a selector click it is the
+    // selected scenario, after a redraw the last one drawn.
+    if (m_session.current().SelRow == 0 || !roomForOneMore())
+        return;
+    writeRecord(m_session.current().NumRecs() + 1, m_session.WorkingRecord);
+    DispRows();
+}
+
+void MainWindow::Delete_Click()
+{
+    if (m_session.current().SelRow == 0)
+        return;
+    if (const Status status = m_session.deleteSelected(); !status.ok())
+        reportProblem(status.message());
+    DispRows();
+    clearRowsAfterLastRecord();
+}
+
+void MainWindow::clearRowsAfterLastRecord()
+{
+    const ListState &list = m_session.current();
+    for (int k = std::max(1, list.NumRecs() - list.TopRow + 2); k <= RowCount; ++k)
+        ClearRow(k);
+}
+
+void MainWindow::MoveUp_Click()
+{
+    const int s = m_session.current().SelRow;
+    if (s <= 1)
+        return;
+    if (!swapRecords(s - 1, s))
+        return;
+    m_session.current().SelRow = static_cast<qint16>(s - 1);
+    // Rows are drawn by record number, which matches the grid while the
+    // list is not scrolled.
+    DispRow(s);
+    if (readRecord(s - 1))
+        DispRow(s - 1);
+}
+
+void MainWindow::MoveDown_Click()
+{
+    const int s = m_session.current().SelRow;
+    if (!(s > 0 && s < m_session.current().NumRecs()))
+        return;
+    if (!swapRecords(s + 1, s))
+        return;
+    m_session.current().SelRow = static_cast<qint16>(s + 1);
+    DispRow(s);
+    if (readRecord(s + 1))
+        DispRow(s + 1);
+}
+
+bool MainWindow::swapRecords(int neighbour, int selected)
+{
+    ScenarioFile &file = m_session.current().file;
+    ScenarioRecord moving;
+    if (const Status status = file.read(selected, moving); !status.ok()) {
+        reportProblem(status.message());
+        return false;
+    }
+    if (!readRecord(neighbour))
+        return false;
+    const ScenarioRecord displaced = m_session.WorkingRecord;
+    if (!writeRecord(neighbour, moving))
+        return false;
+    if (!writeRecord(selected, displaced)) {
+        // Put the first record back rather than leave it in the list twice.
+        (void)file.write(neighbour, displaced);
+        return false;
+    }
+    return true;
+}
+
+bool MainWindow::roomForOneMore()
+{
+    if (m_session.current().NumRecs() < ScenarioFile::MaxRecords)
+        return true;
+    reportProblem(QStringLiteral("This list already holds %1 scenarios, as many as a list can "
+                                 "hold. Delete one before you add another.")
+                      .arg(QLocale().toString(ScenarioFile::MaxRecords)));
+    return false;
+}
+
+void MainWindow::Undo_Click()
+{
+    if (const Status status = m_session.PopUndo(); !status.ok())
+        reportProblem(status.message());
+    DispRows();
+}
+
+void MainWindow::showHelp(const QString &text)
+{
+    m_helpText = text;
+    HelpBox->setText(helpBoxText(text));
+}
+
+void MainWindow::updateAccessibleName(GridCell *cell)
+{
+    const int row = cell->row();
+    if (row == 0) {
+        cell->setAccessibleName(cell->text());
+        return;
+    }
+    const QString header = cells(cell->column())[0]->text();
+    QString name = QStringLiteral("%1, row %2").arg(header).arg(row);
+    if (cell->isBold())
+        name += QStringLiteral(", calculated");
+    cell->setAccessibleName(name);
+}
+
+bool MainWindow::readRecord(int n)
+{
+    const Status status = m_session.readRecord(n);
+    if (!status.ok())
+        reportProblem(status.message());
+    return status.ok();
+}
+
+bool MainWindow::writeRecord(int n, const ScenarioRecord &record)
+{
+    const Status status = m_session.current().file.write(n, record);
+    if (!status.ok())
+        reportProblem(status.message());
+    return status.ok();
+}
+
+void MainWindow::reportProblem(const QString &message)
+{
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Quillet"), message, QMessageBox::Ok,
+                    this);
+    box.exec();
+}
+
+void MainWindow::showMessage(const QString &message)
+{
+    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Quillet"), message, QMessageBox::Ok, this);
+    box.exec();
+}
+
+} // namespace quillet
