@@ -438,7 +438,9 @@ void MainWindow::DispRow(int k)
             FieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
         GridCell *cell = cells(column)[k];
         cell->setText(shown.text);
-        cell->setBold(shown.computed);
+        // A field the engine could not solve stays empty, and an empty cell
+        // has no weight to show.
+        cell->setBold(shown.computed && !shown.text.isEmpty());
     }
     PerYear[k]->setText(record.PerYear == BlankPerYear ? QString()
                                                        : QString::number(record.PerYear));
