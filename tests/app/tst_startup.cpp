@@ -1,0 +1,65 @@
+#include "messageboxwatcher.h"
+#include "startup.h"
+#include "testfiles.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QTest>
+
+using namespace quillet;
+using namespace quillet::test;
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void secondQuilletInTheSameFolderExplainsAndTouchesNothing();
+    void listFileThatCannotBeOpenedIsExplainedByName();
+    void offscreenCountsAsADisplay();
+};
+
+void TestStartup::secondQuilletInTheSameFolderExplainsAndTouchesNothing()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
+    QLockFile running(QDir::current().filePath(lockFileName()));
+    QVERIFY(running.tryLock(0));
+
+    MessageBoxWatcher boxes;
+    boxes.expect();
+    QCOMPARE(runQuillet(), 1);
+    QCOMPARE(boxes.texts().size(), 1);
+    QVERIFY2(boxes.texts().constFirst().contains(QStringLiteral("already open")),
+             qPrintable(boxes.texts().constFirst()));
+    QCOMPARE(boxes.titles().constFirst(), QStringLiteral("Quillet"));
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 2}));
+    QVERIFY(!QFileInfo::exists(QStringLiteral("Ln.dat")));
+}
+
+void TestStartup::listFileThatCannotBeOpenedIsExplainedByName()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    QVERIFY(QDir().mkdir(QStringLiteral("In.dat")));
+    MessageBoxWatcher boxes;
+    boxes.expect();
+    QCOMPARE(runQuillet(), 1);
+    QCOMPARE(boxes.texts().size(), 1);
+    QVERIFY2(boxes.texts().constFirst().contains(QStringLiteral("In.dat")),
+             qPrintable(boxes.texts().constFirst()));
+    QVERIFY(!QFileInfo::exists(QStringLiteral("Ln.dat")));
+    // The lock is given back, so Quillet starts once the folder is mended.
+    QLockFile next(QDir::current().filePath(lockFileName()));
+    QVERIFY(next.tryLock(0));
+}
+
+void TestStartup::offscreenCountsAsADisplay()
+{
+    QVERIFY(haveDisplay());
+}
+
+QTEST_MAIN(TestStartup)
+#include "tst_startup.moc"
