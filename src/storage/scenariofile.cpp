@@ -42,6 +42,17 @@ qint64 slotOffset(int n)
 
 } // namespace
 
+std::vector<ScenarioRecord> decodeListBytes(QByteArrayView bytes)
+{
+    const qint64 count = ScenarioFile::countForSize(bytes.size());
+    std::vector<ScenarioRecord> records;
+    records.reserve(static_cast<std::size_t>(count));
+    for (qint64 offset = 0; offset < count * SlotSize; offset += SlotSize)
+        records.push_back(
+            decodeRecord(bytes.sliced(offset, std::min<qint64>(SlotSize, bytes.size() - offset))));
+    return records;
+}
+
 ScenarioFile::ScenarioFile() = default;
 
 ScenarioFile::~ScenarioFile() = default;
@@ -158,12 +169,8 @@ Status ScenarioFile::readAllRecords(QByteArray &contents) const
     // of each would: a short last slot is completed, a shorter piece dropped.
     contents.clear();
     contents.reserve(static_cast<qsizetype>(m_count) * SlotSize);
-    for (int n = 1; n <= m_count; ++n) {
-        const qint64 offset = slotOffset(n);
-        const QByteArrayView slotBytes =
-            QByteArrayView(bytes).sliced(offset, std::min<qint64>(SlotSize, bytes.size() - offset));
-        contents.append(encodeRecord(decodeRecord(slotBytes)));
-    }
+    for (const ScenarioRecord &record : decodeListBytes(bytes))
+        contents.append(encodeRecord(record));
     return {};
 }
 

@@ -8,8 +8,13 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace quillet {
+
+// The records of a list file's bytes, counted as a list file counts them: a
+// short last slot reads as far as its bytes go, the rest as zeros.
+std::vector<ScenarioRecord> decodeListBytes(QByteArrayView bytes);
 
 // One list file: a sequence of 148-byte slots, record n at (n - 1) * 148.
 // Single records are written in place and synced at once; removing or
