@@ -435,7 +435,7 @@ void MainWindow::DispRow(int k)
 
     for (const GridColumn column : ValueColumns) {
         const FieldDisplay shown =
-            FieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
+            m_solved.fieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
         GridCell *cell = cells(column)[k];
         cell->setText(shown.text);
         // A field the engine could not solve stays empty, and an empty cell

@@ -13,6 +13,7 @@
 #include "helptexts.h"
 #include "mainlayout.h"
 #include "session.h"
+#include "solvecache.h"
 #include "status.h"
 #include "textmeasure.h"
 
@@ -97,6 +98,7 @@ private:
 
     Session &m_session;
     std::unique_ptr<TextMeasure> m_measure;
+    SolveCache m_solved;
     bool m_activated = false;
     QString m_helpText;
 
