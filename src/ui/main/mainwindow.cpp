@@ -83,6 +83,14 @@ void setButtonColour(QPushButton *button, const QColor &colour)
     QPalette colours = button->palette();
     colours.setColor(QPalette::Button, colour);
     button->setPalette(colours);
+    // A solid face: the style's gradient would wash the list colour out.
+    button->setStyleSheet(
+        QStringLiteral("QPushButton { background-color: %1; border: 1px solid %2; "
+                       "border-radius: 3px; }"
+                       "QPushButton:pressed { background-color: %3; }"
+                       "QPushButton:focus { border: 2px solid %4; }")
+            .arg(colour.name(), colours.color(QPalette::Dark).name(), colour.darker(115).name(),
+                 colours.color(QPalette::Highlight).name()));
 }
 
 // Sets a bit of the session's state flags for as long as it lives.
