@@ -67,6 +67,66 @@ double remainingLoanInterest(double balance, double i, double payment, double re
     return (balance - payment / i) * growthLessOne + payment * periods;
 }
 
+// The decimal refinement of the rate searches: from 10 % in steps of 10 %,
+// stepping back and refining the step tenfold whenever the trial payment is
+// no longer too low. An exact hit steps back too, so it returns
+// hit - step + step / 10. paymentAt gives no value for a trial that fails.
+template <typename PaymentAt, typename RateTooLow>
+bool refineRate(const PaymentAt &paymentAt, const RateTooLow &rateTooLow, double payment,
+                quint16 stateFlags, double &result)
+{
+    const double tolerance = rateTolerance(stateFlags);
+    double rate = 0.1;
+    double step = 0.1;
+    bool found = false;
+    while (step >= tolerance && !found) {
+        double p = 0;
+        if (!paymentAt(rate, p))
+            return false;
+        if (p == payment)
+            found = true;
+        if (rateTooLow(p)) {
+            rate = rate + step;
+            if (rate > MaxSearchRate)
+                return false;
+        } else {
+            rate = rate - step;
+            step = step / 10;
+            rate = rate + step;
+        }
+    }
+    result = rate;
+    return true;
+}
+
+// The decimal refinement of the years searches: from `start` in steps of
+// `start`, while inBounds(years) and the step is above 0.0001; an exact hit
+// stops at once. A goal that cannot be reached climbs out of bounds, and
+// that number of years is returned.
+template <typename PaymentAt, typename InBounds>
+bool refineYears(const PaymentAt &paymentAt, const InBounds &inBounds, double start, double payment,
+                 double &result)
+{
+    double years = start;
+    double step = start;
+    while (inBounds(years) && step > 0.0001) {
+        double p = 0;
+        if (!paymentAt(years, p))
+            return false;
+        if (p == payment)
+            break;
+        if (p > payment) {
+            years = years + step;
+        } else {
+            years = years - step;
+            step = step / 10;
+            years = years + step;
+        }
+    }
+    result = years;
+    return true;
+}
+
 } // namespace
 
 QString fieldName(Field field)
@@ -155,29 +215,11 @@ bool InvRate(double InitialAmount, double Years, double Payment, int PerYear, do
         (InitialAmount > 0 && Payment > 0 && FutureValue < 0))
         return false;
 
-    const double tolerance = rateTolerance(stateFlags);
-    double rate = 0.1;
-    double step = 0.1;
-    bool found = false;
-    while (step >= tolerance && !found) {
-        double p = 0;
-        if (!InvPayment(InitialAmount, rate, Years, PerYear, FutureValue, p))
-            return false;
-        if (p == Payment)
-            found = true;
-        if (p > Payment) {
-            rate = rate + step;
-            if (rate > MaxSearchRate)
-                return false;
-        } else {
-            // An exact hit steps back too, so it returns hit - step + step / 10.
-            rate = rate - step;
-            step = step / 10;
-            rate = rate + step;
-        }
-    }
-    result = rate;
-    return true;
+    return refineRate(
+        [&](double rate, double &p) {
+            return InvPayment(InitialAmount, rate, Years, PerYear, FutureValue, p);
+        },
+        [Payment](double p) { return p > Payment; }, Payment, stateFlags, result);
 }
 
 bool InvYears(double InitialAmount, double IRate, double Payment, int PerYear, double FutureValue,
@@ -193,24 +235,11 @@ bool InvYears(double InitialAmount, double IRate, double Payment, int PerYear, d
         return store((FutureValue - InitialAmount) / (Payment * PerYear), result);
 
     // A goal that cannot be reached climbs to 2600 years, which is returned.
-    double years = 100;
-    double step = 100;
-    while (years < 2600 && step > 0.0001) {
-        double p = 0;
-        if (!InvPayment(InitialAmount, IRate, years, PerYear, FutureValue, p))
-            return false;
-        if (p == Payment)
-            break;
-        if (p > Payment) {
-            years = years + step;
-        } else {
-            years = years - step;
-            step = step / 10;
-            years = years + step;
-        }
-    }
-    result = years;
-    return true;
+    return refineYears(
+        [&](double years, double &p) {
+            return InvPayment(InitialAmount, IRate, years, PerYear, FutureValue, p);
+        },
+        [](double years) { return years < 2600; }, 100, Payment, result);
 }
 
 bool LoanAmount(double IRate, double Years, double Payment, int PerYear, double &result)
@@ -241,29 +270,9 @@ bool LoanRate(double InitialAmount, double Years, double Payment, int PerYear, q
     if (InitialAmount <= 0 || Years <= 0 || Payment <= 0)
         return false;
 
-    const double tolerance = rateTolerance(stateFlags);
-    double rate = 0.1;
-    double step = 0.1;
-    bool found = false;
-    while (step >= tolerance && !found) {
-        double p = 0;
-        if (!LoanPayment(InitialAmount, rate, Years, PerYear, p))
-            return false;
-        if (p == Payment)
-            found = true;
-        if (p < Payment) {
-            rate = rate + step;
-            if (rate > MaxSearchRate)
-                return false;
-        } else {
-            // An exact hit steps back too, so it returns hit - step + step / 10.
-            rate = rate - step;
-            step = step / 10;
-            rate = rate + step;
-        }
-    }
-    result = rate;
-    return true;
+    return refineRate(
+        [&](double rate, double &p) { return LoanPayment(InitialAmount, rate, Years, PerYear, p); },
+        [Payment](double p) { return p < Payment; }, Payment, stateFlags, result);
 }
 
 bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, double &result)
@@ -273,24 +282,11 @@ bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, 
         return false;
 
     // A payment that never pays the loan off climbs to 110 years.
-    double years = 10;
-    double step = 10;
-    while (years <= 100 && step > 0.0001) {
-        double p = 0;
-        if (!LoanPayment(InitialAmount, IRate, years, PerYear, p))
-            return false;
-        if (p == Payment)
-            break;
-        if (p > Payment) {
-            years = years + step;
-        } else {
-            years = years - step;
-            step = step / 10;
-            years = years + step;
-        }
-    }
-    result = years;
-    return true;
+    return refineYears(
+        [&](double years, double &p) {
+            return LoanPayment(InitialAmount, IRate, years, PerYear, p);
+        },
+        [](double years) { return years <= 100; }, 10, Payment, result);
 }
 
 bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double &result)

@@ -175,11 +175,11 @@ QPixmap greyedPicture(const QPixmap &picture)
     return QPixmap::fromImage(image);
 }
 
-QIcon commandIcon(const MainLayout::CommandSpec &spec)
+QIcon commandIcon(const MainLayout::CommandSpec &layout)
 {
-    const QPixmap picture = commandPicture(spec.command, spec.picture);
+    const QPixmap picture = commandPicture(layout.command, layout.picture);
     QIcon icon(picture);
-    if (spec.greyPicture)
+    if (layout.greyPicture)
         icon.addPixmap(greyedPicture(picture), QIcon::Disabled);
     return icon;
 }

@@ -14,7 +14,7 @@ QPixmap commandPicture(MainLayout::Command command, QSize size);
 QPixmap greyedPicture(const QPixmap &picture);
 // The icon of a command button: its picture, and the greyed one when the
 // button has one.
-QIcon commandIcon(const MainLayout::CommandSpec &spec);
+QIcon commandIcon(const MainLayout::CommandSpec &layout);
 // The window icon (32 and 16 pixels).
 QIcon quilletIcon();
 

@@ -163,19 +163,19 @@ void MainWindow::buildCommandBar()
         return rank(a) != rank(b) ? rank(a) < rank(b) : a < b;
     });
     for (const std::size_t k : order) {
-        const CommandSpec &spec = Commands[k];
+        const CommandSpec &layout = Commands[k];
         auto *button = new QToolButton(this);
-        button->setObjectName(spec.name.toString());
-        button->setText(spec.caption.toString());
-        button->setToolTip(spec.toolTip.toString());
+        button->setObjectName(layout.name.toString());
+        button->setText(layout.caption.toString());
+        button->setToolTip(layout.toolTip.toString());
         button->setFont(barFont);
-        button->setIcon(commandIcon(spec));
-        button->setIconSize(spec.picture);
+        button->setIcon(commandIcon(layout));
+        button->setIconSize(layout.picture);
         button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         // Clicking a command takes the focus, so a cell being edited is left,
         // and saved, before the command runs.
         button->setFocusPolicy(Qt::StrongFocus);
-        button->setGeometry(pixelRect(spec.left, 0, CommandWidth, CommandHeight));
+        button->setGeometry(pixelRect(layout.left, 0, CommandWidth, CommandHeight));
         m_commands[k] = button;
     }
     AddNew = m_commands[0];
@@ -200,11 +200,12 @@ void MainWindow::buildCommandBar()
 
 void MainWindow::buildListButtons()
 {
-    const auto makeButton = [this](const ListButtonSpec &spec) {
-        auto *button = new QPushButton(spec.caption.toString(), this);
-        button->setObjectName(spec.name.toString());
-        button->setToolTip(spec.toolTip.toString());
-        button->setGeometry(pixelRect(spec.left, ListButtonTop, ListButtonWidth, ListButtonHeight));
+    const auto makeButton = [this](const ListButtonSpec &layout) {
+        auto *button = new QPushButton(layout.caption.toString(), this);
+        button->setObjectName(layout.name.toString());
+        button->setToolTip(layout.toolTip.toString());
+        button->setGeometry(
+            pixelRect(layout.left, ListButtonTop, ListButtonWidth, ListButtonHeight));
         setButtonColour(button, buttonFace());
         return button;
     };
@@ -237,21 +238,22 @@ void MainWindow::buildGrid()
         Sel[index] = selector;
     }
 
-    for (const ColumnSpec &spec : Columns) {
-        CellColumn &column = m_columns.at(static_cast<std::size_t>(spec.column));
+    for (const ColumnSpec &layout : Columns) {
+        CellColumn &column = m_columns.at(static_cast<std::size_t>(layout.column));
         for (int index = 0; index <= RowCount; ++index) {
-            auto *cell = new GridCell(spec.column, index, this);
-            cell->setObjectName(arrayName(spec.name, index));
+            auto *cell = new GridCell(layout.column, index, this);
+            cell->setObjectName(arrayName(layout.name, index));
             if (index == 0) {
-                cell->setGeometry(pixelRect(spec.left, HeaderTop, spec.width, HeaderHeight));
-                cell->setText(spec.header.toString());
+                cell->setGeometry(pixelRect(layout.left, HeaderTop, layout.width, HeaderHeight));
+                cell->setText(layout.header.toString());
                 cell->setAlignment(Qt::AlignCenter);
                 cell->setReadOnly(true);
-                cell->setColours(spec.column == GridColumn::Desc ? buttonFace() : scrollBarColour(),
+                cell->setColours(layout.column == GridColumn::Desc ? buttonFace()
+                                                                   : scrollBarColour(),
                                  systemColour(QPalette::Text));
             } else {
-                cell->setGeometry(pixelRect(spec.left, rowTop(index), spec.width, RowHeight));
-                cell->setAlignment(spec.alignment | Qt::AlignVCenter);
+                cell->setGeometry(pixelRect(layout.left, rowTop(index), layout.width, RowHeight));
+                cell->setAlignment(layout.alignment | Qt::AlignVCenter);
                 cell->setColours(systemColour(QPalette::Base), systemColour(QPalette::Text));
                 cell->installEventFilter(this);
             }
@@ -288,11 +290,11 @@ void MainWindow::buildScrollBarAndHelpBox()
 void MainWindow::setTabOrder()
 {
     std::map<int, QWidget *> byTabIndex;
-    for (const ColumnSpec &spec : Columns) {
-        const CellColumn &column = cells(spec.column);
-        byTabIndex[spec.firstTabIndex] = column[0];
+    for (const ColumnSpec &layout : Columns) {
+        const CellColumn &column = cells(layout.column);
+        byTabIndex[layout.firstTabIndex] = column[0];
         for (int row = 1; row <= RowCount; ++row)
-            byTabIndex[cellTabIndex(spec.column, row)] = column[row];
+            byTabIndex[cellTabIndex(layout.column, row)] = column[row];
     }
     byTabIndex[VScrollTabIndex] = VScroll1;
     for (int index = 0; index <= RowCount; ++index)
@@ -370,10 +372,10 @@ void MainWindow::SwitchTo(const QString &name)
     DoVerticalScroll();
     ClearAllRows();
     const QColor listColour = session.InvMode ? InvestmentsColour : LoansColour;
-    for (const ColumnSpec &spec : Columns) {
-        const CellColumn &column = cells(spec.column);
+    for (const ColumnSpec &layout : Columns) {
+        const CellColumn &column = cells(layout.column);
         column[0]->setColours(listColour, systemColour(QPalette::Text));
-        const QString tip = FieldTip(spec.column, session.CurList);
+        const QString tip = FieldTip(layout.column, session.CurList);
         for (GridCell *cell : column) {
             cell->setToolTip(tip);
             updateAccessibleName(cell);
