@@ -7,6 +7,7 @@
 #include "twips.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDir>
 #include <QKeyEvent>
 #include <QLabel>
@@ -346,6 +347,16 @@ void MainWindow::showEvent(QShowEvent *event)
         m_activated = true;
         Form_Activate();
     }
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // Closing the window leaves the cell being edited: its edit is saved as
+    // when any other control takes the focus.
+    if (auto *cell = qobject_cast<GridCell *>(QApplication::focusWidget());
+        cell && cell->window() == this && cell->hasEditLook())
+        cell_LostFocus(cell);
+    QWidget::closeEvent(event);
 }
 
 void MainWindow::SwitchTo(const QString &name)

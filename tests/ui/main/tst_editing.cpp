@@ -56,6 +56,9 @@ private slots:
     void totalInterestOfALoanCannotBeTypedInto();
     void clickingACellEndsARowSelection();
     void cellsOfEmptyRowsCannotBeEdited();
+    void closingTheWindowSavesTheCellBeingEdited();
+    void exitSavesTheCellBeingEdited();
+    void failedDeleteIsExplainedAndChangesNothing();
 
     void addNewOnAnEmptyListGivesOneBlankRow();
     void addingTheFifteenthRecordShowsNoScrollBarUntilTheListIsShownAgain();
@@ -425,6 +428,60 @@ void TestEditing::cellsOfEmptyRowsCannotBeEdited()
     QTest::keyClick(empty, Qt::Key_Return);
     QCOMPARE(empty->text(), QString());
     QCOMPARE(fixture.fileBytes(InDat), before);
+}
+
+void TestEditing::closingTheWindowSavesTheCellBeingEdited()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({retirement()}));
+    GridCell *years = fixture.cell(QStringLiteral("Years"), 1);
+    QTest::mouseClick(years, Qt::LeftButton);
+    QTest::keyClick(years, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(years, QStringLiteral("15"));
+    QVERIFY(fixture.window().close());
+    QVERIFY(recordOnDisk(InDat, 1).Years == 15.0);
+}
+
+void TestEditing::exitSavesTheCellBeingEdited()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({retirement()}));
+    GridCell *payment = fixture.cell(QStringLiteral("Payment"), 1);
+    QTest::mouseClick(payment, Qt::LeftButton);
+    QTest::keyClick(payment, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(payment, QStringLiteral("125"));
+    QTest::mouseClick(fixture.command(QStringLiteral("cmdExit")), Qt::LeftButton);
+    QVERIFY(!fixture.window().isVisible());
+    QVERIFY(recordOnDisk(InDat, 1).Payment == 125.0);
+}
+
+void TestEditing::failedDeleteIsExplainedAndChangesNothing()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start(numberedRecords(3)));
+    const QByteArray before = fixture.fileBytes(InDat);
+    fixture.session().current().file.setFailureInjector(
+        [](ScenarioFile::RewriteStep step) { return step == ScenarioFile::RewriteStep::Rename; });
+    QTest::mouseClick(fixture.sel(2), Qt::LeftButton);
+    fixture.boxes().expect();
+    QTest::mouseClick(fixture.command(QStringLiteral("Delete")), Qt::LeftButton);
+    QCOMPARE(fixture.boxes().texts().size(), 1);
+    QVERIFY2(fixture.boxes().texts().constFirst().contains(InDat),
+             qPrintable(fixture.boxes().texts().constFirst()));
+    QCOMPARE(fixture.boxes().titles().constFirst(), QStringLiteral("Quillet"));
+    QCOMPARE(fixture.fileBytes(InDat), before);
+    QVERIFY(!QFileInfo::exists(QStringLiteral("tmpil.dat")));
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 0);
+    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 2)->text(), QStringLiteral("Plan 2"));
+    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 3)->text(), QStringLiteral("Plan 3"));
+
+    // The selection stays, and the same delete succeeds once the trouble is gone.
+    QCOMPARE(fixture.session().current().SelRow, qint16(2));
+    QVERIFY(fixture.command(QStringLiteral("Delete"))->isEnabled());
+    fixture.session().current().file.setFailureInjector({});
+    QTest::mouseClick(fixture.command(QStringLiteral("Delete")), Qt::LeftButton);
+    QCOMPARE(recordsOnDisk(InDat), 2);
+    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 2)->text(), QStringLiteral("Plan 3"));
 }
 
 void TestEditing::addNewOnAnEmptyListGivesOneBlankRow()
