@@ -36,7 +36,16 @@ quillet_install_packages() {
     quillet_as_root apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# Quiet when it succeeds; the whole log when it does not.
 quillet_build() {
-    cmake -S "$QUILLET_ROOT" -B "$QUILLET_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-    cmake --build "$QUILLET_BUILD"
+    local log
+    log=$(mktemp)
+    if ! { cmake -S "$QUILLET_ROOT" -B "$QUILLET_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo &&
+        cmake --build "$QUILLET_BUILD"; } >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        echo "The build failed." >&2
+        return 1
+    fi
+    rm -f "$log"
 }
