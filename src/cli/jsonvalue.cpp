@@ -8,7 +8,7 @@ namespace {
 
 void writeIndent(QString &out, int level)
 {
-    out += QString(2 * level, u' ');
+    out += QString(qsizetype(2) * level, u' ');
 }
 
 } // namespace

@@ -38,8 +38,8 @@ Status Session::PopUndo()
     const UndoEntry &entry = state.undo.newest();
     // A deleted record goes back into its place; a changed one is overwritten.
     const int before = state.NumRecs();
-    const Status status = entry.Deleted != 0 ? state.file.insert(entry.RecNo, entry.record)
-                                             : state.file.write(entry.RecNo, entry.record);
+    Status status = entry.Deleted != 0 ? state.file.insert(entry.RecNo, entry.record)
+                                       : state.file.write(entry.RecNo, entry.record);
     // A rewrite that failed only when reopening the file has still happened.
     const bool applied = status.ok() || (entry.Deleted != 0 && state.NumRecs() != before);
     if (!applied)
@@ -58,7 +58,7 @@ Status Session::deleteSelected()
         return {};
     const int lastBefore = state.NumRecs();
     ScenarioRecord removed;
-    const Status status = state.file.remove(selected, &removed);
+    Status status = state.file.remove(selected, &removed);
     // A rewrite that failed only when reopening the file has still happened,
     // and the deleted record must stay undoable.
     if (state.NumRecs() == lastBefore)

@@ -38,8 +38,8 @@ void drawCopy(QPainter &painter, QSizeF size)
     drawPage(painter, QRectF(0.5, 0.5, size.width() - 6, size.height() - 5));
     drawPage(painter, QRectF(5.5, 4.5, size.width() - 6, size.height() - 5));
     painter.setPen(QPen(Blue, 1));
-    for (double y = 7.5; y < size.height() - 2; y += 2)
-        painter.drawLine(QPointF(7.5, y), QPointF(size.width() - 2.5, y));
+    for (int line = 7; line < size.height() - 2; line += 2)
+        painter.drawLine(QPointF(7.5, line + 0.5), QPointF(size.width() - 2.5, line + 0.5));
 }
 
 void drawDelete(QPainter &painter, QSizeF size)
@@ -85,8 +85,8 @@ void drawAmortize(QPainter &painter, QSizeF size)
 {
     drawPage(painter, QRectF(0.5, 0.5, size.width() - 1, size.height() - 1));
     painter.setPen(QPen(Ink, 1));
-    for (double y = 4.5; y < size.height() - 1; y += 3)
-        painter.drawLine(QPointF(1, y), QPointF(size.width() - 1, y));
+    for (int line = 4; line < size.height() - 1; line += 3)
+        painter.drawLine(QPointF(1, line + 0.5), QPointF(size.width() - 1, line + 0.5));
     painter.drawLine(QPointF(5.5, 1), QPointF(5.5, size.height() - 1));
     painter.setPen(QPen(Green, 1.5));
     painter.drawLine(QPointF(7, size.height() - 2.5), QPointF(size.width() - 2, 2.5));
