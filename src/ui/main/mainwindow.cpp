@@ -153,17 +153,7 @@ void MainWindow::buildCommandBar()
 {
     QFont barFont(QStringLiteral("Arial"));
     barFont.setPointSizeF(8.25);
-    // Command2 is made first so that cmdExit, lying on it, takes the clicks.
-    std::array<std::size_t, Commands.size()> order{};
-    for (std::size_t k = 0; k < order.size(); ++k)
-        order[k] = order.size() - 1 - k;
-    std::sort(order.begin(), order.end(), [](std::size_t a, std::size_t b) {
-        const auto rank = [](std::size_t k) {
-            return Commands[k].command == Command::Command2 ? 0 : 1;
-        };
-        return rank(a) != rank(b) ? rank(a) < rank(b) : a < b;
-    });
-    for (const std::size_t k : order) {
+    for (std::size_t k = 0; k < Commands.size(); ++k) {
         const CommandSpec &layout = Commands[k];
         auto *button = new QToolButton(this);
         button->setObjectName(layout.name.toString());
@@ -189,6 +179,8 @@ void MainWindow::buildCommandBar()
     Print = m_commands[7];
     cmdExit = m_commands[8];
     Command2 = m_commands[9];
+    // cmdExit lies on Command2, in the same rectangle, and takes every click.
+    cmdExit->raise();
 
     connect(AddNew, &QToolButton::clicked, this, &MainWindow::AddNew_Click);
     connect(Copy, &QToolButton::clicked, this, &MainWindow::Copy_Click);
@@ -612,13 +604,12 @@ void MainWindow::cell_Click(GridCell *cell)
         return;
 
     m_session.StateFlags |= EditingFlag;
+    // Editing a cell ends a row selection.
     if (list.SelRow > 0) {
         const int selected = list.SelRow;
-        if (readRecord(selected)) {
-            list.SelRow = 0;
-            DispRow(selected - list.TopRow + 1);
-        }
         list.SelRow = 0;
+        if (readRecord(selected))
+            DispRow(selected - list.TopRow + 1);
         EnableButtons();
     }
     cell->setEditLook(true);
