@@ -15,7 +15,9 @@ FieldDisplay FieldText(const ScenarioRecord &record, Field field, bool investmen
 
 QString FormatValue(Field field, double value, bool ok)
 {
-    if (!ok)
+    // Only a damaged file can store a value that is not a number: it has no
+    // text to show.
+    if (!ok || !std::isfinite(value))
         return {};
     const QLocale locale;
     switch (field) {

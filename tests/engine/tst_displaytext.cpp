@@ -189,6 +189,10 @@ void TestDisplayText::formatValueWithoutAValueIsEmpty()
     QFETCH(Field, field);
     QCOMPARE(FormatValue(field, 1234.5, false), QString());
     QCOMPARE(FormatValue(field, 0, false), QString());
+    // Values only a damaged file can hold have no text either.
+    QCOMPARE(FormatValue(field, std::numeric_limits<double>::quiet_NaN(), true), QString());
+    QCOMPARE(FormatValue(field, std::numeric_limits<double>::infinity(), true), QString());
+    QCOMPARE(FormatValue(field, -std::numeric_limits<double>::infinity(), true), QString());
 }
 
 void TestDisplayText::fieldTextShowsStoredValuesPlainAndTheSolvedOneBold_data()
