@@ -2,12 +2,12 @@
 
 #include "fonts.h"
 #include "mainwindow.h"
+#include "messages.h"
 #include "session.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLockFile>
-#include <QMessageBox>
 
 namespace quillet {
 
@@ -15,8 +15,7 @@ namespace {
 
 void showStartupProblem(const QString &message)
 {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Quillet"), message, QMessageBox::Ok);
-    box.exec();
+    showMessage(nullptr, message, QMessageBox::Warning);
 }
 
 } // namespace

@@ -122,11 +122,9 @@ RecordView viewOf(const ScenarioRecord &record, ListKind list)
     RecordView view;
     for (std::size_t k = 0; k < ValueFields.size(); ++k) {
         view.solved[k] = Solve(record, ValueFields[k], isInvestments(list));
-        view.displays[k] = {FormatValue(ValueFields[k], view.solved[k].value, view.solved[k].ok),
-                            view.solved[k].computed};
-        // As the grid shows it: a solved value in bold, nothing for a field
-        // that could not be solved.
-        if (view.displays[k].computed && !view.displays[k].text.isEmpty())
+        view.displays[k] = displayOf(ValueFields[k], view.solved[k]);
+        // As the grid shows it: the field in bold, if any.
+        if (view.displays[k].bold())
             view.computedNames.append(fieldName(ValueFields[k]));
     }
     return view;
@@ -333,9 +331,8 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
             continue;
         }
         const FieldDisplay &display = header.value(field);
-        lines.append({scheduleLabel(list, field), display.computed
-                                                      ? display.text + QStringLiteral("(computed)")
-                                                      : display.text});
+        lines.append({scheduleLabel(list, field),
+                      display.bold() ? display.text + QStringLiteral("(computed)") : display.text});
     }
     lines.append(
         {QStringLiteral("Periods:"), counted ? QString::number(periods.count) : QString()});

@@ -9,7 +9,11 @@ namespace quillet {
 FieldDisplay FieldText(const ScenarioRecord &record, Field field, bool investments,
                        quint16 stateFlags)
 {
-    const SolveResult solved = Solve(record, field, investments, stateFlags);
+    return displayOf(field, Solve(record, field, investments, stateFlags));
+}
+
+FieldDisplay displayOf(Field field, const SolveResult &solved)
+{
     return {FormatValue(field, solved.value, solved.ok), solved.computed};
 }
 

@@ -16,7 +16,14 @@ struct FieldDisplay
 {
     QString text;
     bool computed = false;
+
+    // Shown bold: a solved value that has a text. A field the engine could
+    // not solve stays empty, and an empty cell has no weight to show.
+    bool bold() const { return computed && !text.isEmpty(); }
 };
+
+// The display text of a solved (or stored) field.
+FieldDisplay displayOf(Field field, const SolveResult &solved);
 
 // The display text of a field of the record, solved when blank.
 FieldDisplay FieldText(const ScenarioRecord &record, Field field, bool investments,

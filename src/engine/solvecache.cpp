@@ -42,8 +42,7 @@ SolveResult SolveCache::solve(const ScenarioRecord &record, Field field, bool in
 FieldDisplay SolveCache::fieldText(const ScenarioRecord &record, Field field, bool investments,
                                    quint16 stateFlags)
 {
-    const SolveResult solved = solve(record, field, investments, stateFlags);
-    return {FormatValue(field, solved.value, solved.ok), solved.computed};
+    return displayOf(field, solve(record, field, investments, stateFlags));
 }
 
 } // namespace quillet

@@ -17,7 +17,7 @@ class TestStartup : public QObject
 private slots:
     void secondQuilletInTheSameFolderExplainsAndTouchesNothing();
     void listFileThatCannotBeOpenedIsExplainedByName();
-    void offscreenCountsAsADisplay();
+    void displayIsFoundOnlyWhenOneIsSet();
 };
 
 void TestStartup::secondQuilletInTheSameFolderExplainsAndTouchesNothing()
@@ -56,9 +56,27 @@ void TestStartup::listFileThatCannotBeOpenedIsExplainedByName()
     QVERIFY(next.tryLock(0));
 }
 
-void TestStartup::offscreenCountsAsADisplay()
+void TestStartup::displayIsFoundOnlyWhenOneIsSet()
 {
-    QVERIFY(haveDisplay());
+    const QList<QByteArray> names = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    QList<QByteArray> saved;
+    for (const QByteArray &name : names) {
+        saved << qgetenv(name.constData());
+        qunsetenv(name.constData());
+    }
+    const bool withNone = haveDisplay();
+    QList<bool> withOne;
+    for (const QByteArray &name : names) {
+        qputenv(name.constData(), "x");
+        withOne << haveDisplay();
+        qunsetenv(name.constData());
+    }
+    for (qsizetype k = 0; k < names.size(); ++k) {
+        if (!saved[k].isNull())
+            qputenv(names[k].constData(), saved[k]);
+    }
+    QVERIFY(!withNone);
+    QCOMPARE(withOne, (QList<bool>{true, true, true}));
 }
 
 QTEST_MAIN(TestStartup)

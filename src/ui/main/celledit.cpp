@@ -7,7 +7,9 @@ namespace quillet {
 
 namespace {
 
-double *numericField(GridColumn column, ScenarioRecord &record)
+// The double field a column edits, or null; const with a const record.
+template <typename Record>
+auto numericField(GridColumn column, Record &record) -> decltype(&record.InitialAmount)
 {
     switch (column) {
     case GridColumn::InitialAmount:
@@ -52,8 +54,7 @@ EditingText editingText(GridColumn column, const ScenarioRecord &record, const Q
     case GridColumn::InitialAmount:
     case GridColumn::Payment:
     case GridColumn::FutureValue: {
-        ScenarioRecord copy = record;
-        const double stored = *numericField(column, copy);
+        const double stored = *numericField(column, record);
         if (!IsSet(stored))
             return {QString(), false};
         return {amountForEditing(shownText, stored), true};

@@ -3,6 +3,7 @@
 #include "buttonpictures.h"
 #include "celledit.h"
 #include "displaytext.h"
+#include "messages.h"
 #include "rates.h"
 #include "twips.h"
 
@@ -12,7 +13,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QToolButton>
@@ -33,20 +33,20 @@ const QColor HelpBoxColour(255, 255, 192);
 const QString InvestmentsName = QStringLiteral("Investments");
 const QString LoansName = QStringLiteral("Loans");
 
+QColor systemColour(QPalette::ColorRole role)
+{
+    return QApplication::palette().color(role);
+}
+
 QColor buttonFace()
 {
-    return QApplication::palette().color(QPalette::Button);
+    return systemColour(QPalette::Button);
 }
 
 // The colour of a scroll bar's trough, which the header cells wear.
 QColor scrollBarColour()
 {
-    return QApplication::palette().color(QPalette::Button).darker(112);
-}
-
-QColor systemColour(QPalette::ColorRole role)
-{
-    return QApplication::palette().color(role);
+    return buttonFace().darker(112);
 }
 
 QString arrayName(QStringView name, int index)
@@ -451,9 +451,7 @@ void MainWindow::DispRow(int k)
             m_solved.fieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
         GridCell *cell = cells(column)[k];
         cell->setText(shown.text);
-        // A field the engine could not solve stays empty, and an empty cell
-        // has no weight to show.
-        cell->setBold(shown.computed && !shown.text.isEmpty());
+        cell->setBold(shown.bold());
     }
     PerYear[k]->setText(record.PerYear == BlankPerYear ? QString()
                                                        : QString::number(record.PerYear));
@@ -518,12 +516,10 @@ void MainWindow::Loans_Click()
 
 void MainWindow::Sel_Click(int index)
 {
+    if (!handlesRow(index))
+        return;
     ListState &list = m_session.current();
-    if (index < 1 || index > RowCount || index > list.NumRecs())
-        return;
     const int n = list.TopRow + index - 1;
-    if (n > list.NumRecs())
-        return;
     bool deselect = false;
     if (list.SelRow > 0) {
         if (list.SelRow != n) {
@@ -554,7 +550,8 @@ void MainWindow::cmdExit_Click()
 bool MainWindow::handlesRow(int k) const
 {
     const ListState &list = m_session.current();
-    return k >= 1 && k <= RowCount && k <= list.NumRecs() && list.TopRow + k - 1 <= list.NumRecs();
+    // A row shows a record only up to the last one.
+    return k >= 1 && k <= RowCount && list.TopRow + k - 1 <= list.NumRecs();
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
@@ -674,11 +671,11 @@ void MainWindow::saveCell(GridCell *cell, int record)
         break;
     case StoreOutcome::PerYearOutOfRange:
         // The old value stays, but the edit still counts as a change.
-        showMessage(perYearMessage());
+        showMessage(this, perYearMessage());
         break;
     case StoreOutcome::NotANumber:
         // Refused: nothing is written and nothing is left to undo.
-        showMessage(notANumberMessage(cell->text()));
+        showMessage(this, notANumberMessage(cell->text()));
         return;
     }
     if (!writeRecord(record, after))
@@ -829,15 +826,7 @@ bool MainWindow::writeRecord(int n, const ScenarioRecord &record)
 
 void MainWindow::reportProblem(const QString &message)
 {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Quillet"), message, QMessageBox::Ok,
-                    this);
-    box.exec();
-}
-
-void MainWindow::showMessage(const QString &message)
-{
-    QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Quillet"), message, QMessageBox::Ok, this);
-    box.exec();
+    showMessage(this, message, QMessageBox::Warning);
 }
 
 } // namespace quillet

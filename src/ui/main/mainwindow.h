@@ -95,7 +95,6 @@ private:
     void showHelp(const QString &text);
     void updateAccessibleName(GridCell *cell);
     void reportProblem(const QString &message);
-    void showMessage(const QString &message);
 
     Session &m_session;
     std::unique_ptr<TextMeasure> m_measure;
