@@ -2,7 +2,10 @@
 
 #include "rates.h"
 
+#include <QLocale>
+
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace quillet {
@@ -20,6 +23,16 @@ auto scheduleRows(const ScheduleStart &start, int firstPeriod, int count)
     for (int j = 0; j < count; ++j)
         rows.push_back(schedule.next());
     return rows;
+}
+
+// Exactly the same start, bit for bit: a cached state answers for no other.
+bool sameStart(const ScheduleStart &a, const ScheduleStart &b)
+{
+    const auto bits = [](double value) {
+        return std::bit_cast<quint64>(value);
+    };
+    return bits(a.balance) == bits(b.balance) && bits(a.yearlyRate) == bits(b.yearlyRate) &&
+           bits(a.payment) == bits(b.payment) && bits(a.perYear) == bits(b.perYear);
 }
 
 } // namespace
@@ -113,6 +126,58 @@ std::vector<LoanScheduleRow> LoanSchedule::rows(const ScheduleStart &start, int 
                                                 int count)
 {
     return scheduleRows<LoanSchedule>(start, firstPeriod, count);
+}
+
+template <typename Schedule>
+std::vector<typename Schedule::Row> ScheduleCheckpoints::rowsOf(Track<Schedule> &track,
+                                                                const ScheduleStart &start,
+                                                                int firstPeriod, int count)
+{
+    if (track.states.empty() || !sameStart(track.start, start)) {
+        track.start = start;
+        track.states.assign(1, Schedule(start));
+    }
+    // Passing a multiple of the interval for the first time keeps the state.
+    const auto advance = [&track](Schedule &schedule) {
+        auto row = schedule.next();
+        const int done = schedule.period();
+        if (done % Interval == 0 && std::size_t(done / Interval) == track.states.size())
+            track.states.push_back(schedule);
+        return row;
+    };
+
+    const int skip = std::max(firstPeriod - 1, 0);
+    const std::size_t nearest = std::min(std::size_t(skip / Interval), track.states.size() - 1);
+    Schedule schedule = track.states[nearest];
+    while (schedule.period() < skip)
+        advance(schedule);
+    std::vector<typename Schedule::Row> rows;
+    rows.reserve(std::max(count, 0));
+    for (int j = 0; j < count; ++j)
+        rows.push_back(advance(schedule));
+    return rows;
+}
+
+std::vector<InvestmentScheduleRow> ScheduleCheckpoints::investmentRows(const ScheduleStart &start,
+                                                                       int firstPeriod, int count)
+{
+    return rowsOf(m_investments, start, firstPeriod, count);
+}
+
+std::vector<LoanScheduleRow> ScheduleCheckpoints::loanRows(const ScheduleStart &start,
+                                                           int firstPeriod, int count)
+{
+    return rowsOf(m_loans, start, firstPeriod, count);
+}
+
+QString scheduleAmountText(double value)
+{
+    return QLocale().toCurrencyString(value, QString(), 2);
+}
+
+QString schedulePeriodText(int period)
+{
+    return PadNum(period, 4);
 }
 
 } // namespace quillet

@@ -76,9 +76,13 @@ struct InvestmentScheduleRow
 class InvestmentSchedule final
 {
 public:
+    using Row = InvestmentScheduleRow;
+
     explicit InvestmentSchedule(const ScheduleStart &start);
 
     InvestmentScheduleRow next();
+    // The number of periods run so far.
+    int period() const { return m_period; }
     // Rows firstPeriod .. firstPeriod + count - 1; the periods before are
     // computed and passed over.
     static std::vector<InvestmentScheduleRow> rows(const ScheduleStart &start, int firstPeriod,
@@ -108,9 +112,12 @@ struct LoanScheduleRow
 class LoanSchedule final
 {
 public:
+    using Row = LoanScheduleRow;
+
     explicit LoanSchedule(const ScheduleStart &start);
 
     LoanScheduleRow next();
+    int period() const { return m_period; }
     static std::vector<LoanScheduleRow> rows(const ScheduleStart &start, int firstPeriod,
                                              int count);
 
@@ -122,5 +129,43 @@ private:
     double m_cumulativeInterest = 0;
     int m_period = 0;
 };
+
+// The rows of a page of a schedule, the same bits as running the schedule
+// from its first period every time, without the wait: the state of the loop
+// is kept every Interval periods as it is passed, so a later page resumes
+// from the nearest kept state before it. Kept for one start of each kind;
+// another start begins afresh.
+class ScheduleCheckpoints final
+{
+public:
+    static constexpr int Interval = 64;
+
+    std::vector<InvestmentScheduleRow> investmentRows(const ScheduleStart &start, int firstPeriod,
+                                                      int count);
+    std::vector<LoanScheduleRow> loanRows(const ScheduleStart &start, int firstPeriod, int count);
+
+    // The states kept for the schedule of that kind, the fresh one included.
+    std::size_t investmentStates() const { return m_investments.states.size(); }
+    std::size_t loanStates() const { return m_loans.states.size(); }
+
+private:
+    template <typename Schedule> struct Track
+    {
+        ScheduleStart start;
+        std::vector<Schedule> states; // states[j]: after j * Interval periods
+    };
+    template <typename Schedule>
+    static std::vector<typename Schedule::Row>
+    rowsOf(Track<Schedule> &track, const ScheduleStart &start, int firstPeriod, int count);
+
+    Track<InvestmentSchedule> m_investments;
+    Track<LoanSchedule> m_loans;
+};
+
+// The texts of a schedule's table, the same in the windows, the printouts and
+// quillet-report: amounts in the locale's currency with 2 decimals, period
+// numbers right-justified for 4 digits.
+QString scheduleAmountText(double value);
+QString schedulePeriodText(int period);
 
 } // namespace quillet

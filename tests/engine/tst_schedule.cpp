@@ -3,6 +3,7 @@
 #include <QString>
 #include <QTest>
 
+#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -82,6 +83,11 @@ private slots:
 
     void periodNumbersArePaddedToFourDigits_data();
     void periodNumbersArePaddedToFourDigits();
+
+    void checkpointedPagesAreTheBitsOfTheLoopFromPeriodOne_data();
+    void checkpointedPagesAreTheBitsOfTheLoopFromPeriodOne();
+    void checkpointsAreKeptOnlyForTheStartTheyBelongTo();
+    void amountTextsAreTheLocaleCurrencyWithTwoDecimals();
 };
 
 void TestSchedule::initTestCase()
@@ -610,6 +616,118 @@ void TestSchedule::periodNumbersArePaddedToFourDigits()
     QFETCH(int, period);
     QFETCH(QString, shown);
     QCOMPARE(PadNum(period, 4), shown);
+}
+
+namespace {
+
+template <typename Row>
+void compareRows(const std::vector<Row> &page, const std::vector<Row> &loop);
+
+template <>
+void compareRows(const std::vector<InvestmentScheduleRow> &page,
+                 const std::vector<InvestmentScheduleRow> &loop)
+{
+    QCOMPARE(page.size(), loop.size());
+    for (std::size_t j = 0; j < page.size(); ++j) {
+        QCOMPARE(page[j].period, loop[j].period);
+        QUILLET_COMPARE_EXACT(page[j].earnings, loop[j].earnings);
+        QUILLET_COMPARE_EXACT(page[j].cumulativeEarnings, loop[j].cumulativeEarnings);
+        QUILLET_COMPARE_EXACT(page[j].balance, loop[j].balance);
+    }
+}
+
+template <>
+void compareRows(const std::vector<LoanScheduleRow> &page, const std::vector<LoanScheduleRow> &loop)
+{
+    QCOMPARE(page.size(), loop.size());
+    for (std::size_t j = 0; j < page.size(); ++j) {
+        QCOMPARE(page[j].period, loop[j].period);
+        QUILLET_COMPARE_EXACT(page[j].principal, loop[j].principal);
+        QUILLET_COMPARE_EXACT(page[j].interest, loop[j].interest);
+        QUILLET_COMPARE_EXACT(page[j].cumulativePrincipal, loop[j].cumulativePrincipal);
+        QUILLET_COMPARE_EXACT(page[j].cumulativeInterest, loop[j].cumulativeInterest);
+        QUILLET_COMPARE_EXACT(page[j].balance, loop[j].balance);
+    }
+}
+
+} // namespace
+
+void TestSchedule::checkpointedPagesAreTheBitsOfTheLoopFromPeriodOne_data()
+{
+    QTest::addColumn<double>("balance");
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<double>("payment");
+    QTest::addColumn<double>("perYear");
+
+    QTest::newRow("daily saving") << 1000.0 << 0.07 << 3.25 << 365.0;
+    QTest::newRow("withdrawals running below zero") << 5000.0 << 0.05 << -40.0 << 12.0;
+    QTest::newRow("a loan never repaid") << 100000.0 << 0.06 << 0.1 << 32767.0;
+    QTest::newRow("zero rate") << 1000.0 << 0.0 << 1.0 << 1.0;
+}
+
+void TestSchedule::checkpointedPagesAreTheBitsOfTheLoopFromPeriodOne()
+{
+    QFETCH(double, balance);
+    QFETCH(double, rate);
+    QFETCH(double, payment);
+    QFETCH(double, perYear);
+    const ScheduleStart start{balance, rate, payment, perYear};
+
+    ScheduleCheckpoints checkpoints;
+    // Pages in the order a person scrolls: the first, the last of 32,767
+    // periods, back up, a page that starts on a kept state, and one step on.
+    for (const int first : {1, 32756, 13, 64, 65, 129, 32756, 2, 30000, 1}) {
+        compareRows(checkpoints.investmentRows(start, first, 12),
+                    InvestmentSchedule::rows(start, first, 12));
+        compareRows(checkpoints.loanRows(start, first, 12), LoanSchedule::rows(start, first, 12));
+    }
+    // The literal restatement agrees with the last page too.
+    const std::vector<reference::InvestmentRow> expected =
+        reference::investmentSchedule(balance, rate, payment, perYear, 32767);
+    const std::vector<InvestmentScheduleRow> last = checkpoints.investmentRows(start, 32756, 12);
+    for (std::size_t j = 0; j < last.size(); ++j) {
+        QUILLET_COMPARE_EXACT(last[j].balance, expected[32755 + j].balance);
+        QUILLET_COMPARE_EXACT(last[j].cumulativeEarnings, expected[32755 + j].cumulative);
+    }
+    const std::vector<reference::LoanRow> expectedLoan =
+        reference::loanSchedule(balance, rate, payment, perYear, 32767);
+    const std::vector<LoanScheduleRow> lastLoan = checkpoints.loanRows(start, 32756, 12);
+    for (std::size_t j = 0; j < lastLoan.size(); ++j) {
+        QUILLET_COMPARE_EXACT(lastLoan[j].balance, expectedLoan[32755 + j].balance);
+        QUILLET_COMPARE_EXACT(lastLoan[j].cumulativeInterest,
+                              expectedLoan[32755 + j].cumulativeInterest);
+    }
+}
+
+void TestSchedule::checkpointsAreKeptOnlyForTheStartTheyBelongTo()
+{
+    ScheduleCheckpoints checkpoints;
+    const ScheduleStart first{1000, 0.05, 10, 12};
+    (void)checkpoints.investmentRows(first, 32756, 12);
+    // The fresh state and one for every 64 periods passed: 32,767 / 64.
+    QCOMPARE(checkpoints.investmentStates(), std::size_t(512));
+    QCOMPARE(checkpoints.loanStates(), std::size_t(0));
+
+    // A payment one bit larger is another schedule.
+    ScheduleStart other = first;
+    other.payment = std::nextafter(10.0, 11.0);
+    compareRows(checkpoints.investmentRows(other, 100, 12),
+                InvestmentSchedule::rows(other, 100, 12));
+    QCOMPARE(checkpoints.investmentStates(), std::size_t(2));
+    compareRows(checkpoints.investmentRows(first, 32756, 12),
+                InvestmentSchedule::rows(first, 32756, 12));
+}
+
+void TestSchedule::amountTextsAreTheLocaleCurrencyWithTwoDecimals()
+{
+    QCOMPARE(scheduleAmountText(1234.565), QStringLiteral("$1,234.57"));
+    QCOMPARE(scheduleAmountText(0), QStringLiteral("$0.00"));
+    QCOMPARE(scheduleAmountText(-200), QStringLiteral("($200.00)"));
+    QCOMPARE(schedulePeriodText(7), QStringLiteral("   7"));
+    QCOMPARE(schedulePeriodText(1000), QStringLiteral("1,000"));
+    const DefaultLocale pinned(germany());
+    QCOMPARE(scheduleAmountText(-1234.5), QStringLiteral("-1.234,50\u00a0\u20ac"));
+    QCOMPARE(schedulePeriodText(1000), QStringLiteral("1.000"));
 }
 
 QTEST_GUILESS_MAIN(TestSchedule)
