@@ -2,7 +2,10 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace quillet {
 
@@ -60,30 +63,108 @@ QString RemoveText(const QString &s, const QString &t)
     return s.left(position) + s.right(s.size() - position - t.size());
 }
 
+namespace {
+
+// Qt writes direction marks (U+200E, U+200F, U+061C and the like) into the
+// signs and currency texts of right-to-left locales; they carry no value.
+QString withoutFormatMarks(QStringView text)
+{
+    QString plain;
+    plain.reserve(text.size());
+    for (const QChar c : text) {
+        if (c.category() != QChar::Other_Format)
+            plain.append(c);
+    }
+    return plain;
+}
+
+// A number written the locale's way, rewritten in the C locale's form: ASCII
+// digits, '.' for the decimal point, ',' for grouping, ASCII signs and 'e'
+// for the exponent (which is "\u00d710^" in some locales). The C parser
+// then still checks that grouping separators stand where they belong.
+QString inCForm(QStringView number, const QLocale &locale)
+{
+    const QString exponent = withoutFormatMarks(locale.exponential());
+    const QString decimal = withoutFormatMarks(locale.decimalPoint());
+    const QString group = withoutFormatMarks(locale.groupSeparator());
+    const QString minus = withoutFormatMarks(locale.negativeSign());
+    const QString plus = withoutFormatMarks(locale.positiveSign());
+    const std::pair<const QString *, QChar> forms[] = {
+        {&exponent, u'e'}, {&decimal, u'.'}, {&group, u','}, {&minus, u'-'}, {&plus, u'+'}};
+
+    QString c;
+    c.reserve(number.size());
+    for (qsizetype k = 0; k < number.size();) {
+        const QStringView rest = number.sliced(k);
+        const auto form = std::find_if(std::begin(forms), std::end(forms), [&](const auto &f) {
+            return !f.first->isEmpty() && rest.startsWith(*f.first);
+        });
+        if (form != std::end(forms)) {
+            c.append(form->second);
+            k += form->first->size();
+            continue;
+        }
+        const QChar ch = number.at(k);
+        if (ch.category() == QChar::Number_DecimalDigit && ch.digitValue() >= 0)
+            c.append(QChar(u'0' + ch.digitValue()));
+        else if (ch == u'\u2212') // the minus sign some locales use
+            c.append(u'-');
+        else
+            c.append(ch);
+        ++k;
+    }
+    return c;
+}
+
+// The C form first; the locale's own parser for what it alone knows, such
+// as grouping in twos.
+std::optional<double> numberOf(const QString &number, const QLocale &locale)
+{
+    bool ok = false;
+    double value = QLocale::c().toDouble(inCForm(number, locale), &ok);
+    if (!ok)
+        value = locale.toDouble(number, &ok);
+    if (!ok || !std::isfinite(value))
+        return std::nullopt;
+    return value;
+}
+
+} // namespace
+
 std::optional<double> parseNumber(QStringView text)
 {
     const QLocale locale;
-    QString number = text.trimmed().toString();
+    QString number = withoutFormatMarks(text).trimmed();
     bool negative = false;
     if (number.size() >= 2 && number.startsWith(u'(') && number.endsWith(u')')) {
         negative = true;
         number = number.sliced(1, number.size() - 2);
     }
-    const QString symbol = locale.currencySymbol(QLocale::CurrencySymbol);
-    if (!symbol.isEmpty())
-        number.remove(symbol);
     // Blanks may stand between sign, symbol and digits, and some locales group
     // digits with a (narrow) no-break space; none of them carries meaning.
     number.removeIf([](QChar c) { return c.isSpace(); });
 
-    bool ok = false;
-    const double value = locale.toDouble(number, &ok);
-    if (!ok || !std::isfinite(value))
+    // The text as it is, then without the currency symbol, then without the
+    // currency code Qt writes where a locale has no symbol. A symbol can be
+    // the exponent letter too (E in en_SZ), so it goes only when the text
+    // reads as no number with it.
+    std::optional<double> value = numberOf(number, locale);
+    for (const QLocale::CurrencySymbolFormat format :
+         {QLocale::CurrencySymbol, QLocale::CurrencyIsoCode}) {
+        if (value)
+            break;
+        QString symbol = withoutFormatMarks(locale.currencySymbol(format));
+        symbol.removeIf([](QChar c) { return c.isSpace(); });
+        const qsizetype at = symbol.isEmpty() ? -1 : number.indexOf(symbol);
+        if (at >= 0)
+            value = numberOf(QString(number).remove(at, symbol.size()), locale);
+    }
+    if (!value)
         return std::nullopt;
     if (negative) {
-        if (value < 0)
+        if (*value < 0)
             return std::nullopt;
-        return -value;
+        return -*value;
     }
     return value;
 }
