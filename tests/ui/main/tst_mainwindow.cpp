@@ -47,6 +47,10 @@ class TestMainWindow : public QObject
 {
     Q_OBJECT
 
+private:
+    // Answers the boxes shown while no test watches; they fail the test.
+    MessageBoxWatcher m_suiteBoxes;
+
 private slots:
     void initTestCase();
     void cleanup();
@@ -101,6 +105,7 @@ void TestMainWindow::initTestCase()
 void TestMainWindow::cleanup()
 {
     QApplication::closeAllWindows();
+    QUILLET_VERIFY_NO_UNEXPECTED_MESSAGE_BOX();
 }
 
 void TestMainWindow::windowHasItsCaptionAndClientSize()
