@@ -11,6 +11,8 @@ QUILLET_PACKAGES=(
     fonts-liberation        # metric-compatible Arial and Courier faces
     libbenchmark-dev        # the benchmarks under bench/
     xvfb xauth xdotool imagemagick   # a real window for scripts/screenshot
+    qt6-charts-dev qt6-svg-dev libqt6opengl6-dev   # quillet-report chart (Charts needs OpenGL's CMake files)
+    python3-jsonschema      # the report tests validate every JSON output against its schema
 )
 
 quillet_as_root() {
