@@ -1,0 +1,162 @@
+#include "paintersurface.h"
+
+#include "twips.h"
+
+#include <QDir>
+#include <QFontMetricsF>
+#include <QMarginsF>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPdfWriter>
+#include <QPen>
+#include <QPrinter>
+
+namespace quillet {
+
+PainterSurface::PainterSurface() : m_font(QStringLiteral("Arial"))
+{
+    m_font.setPointSizeF(fontSize());
+}
+
+bool PainterSurface::begin(QPagedPaintDevice &device)
+{
+    if (!m_painter.begin(&device))
+        return false;
+    m_device = &device;
+    m_pixelsPerTwip = device.logicalDpiY() / static_cast<double>(TwipsPerInch);
+    m_pageHeight = pixelsToTwips(device.height(), device.logicalDpiY());
+    fontChanged();
+    return true;
+}
+
+bool PainterSurface::endPainting()
+{
+    return m_painter.isActive() ? m_painter.end() : false;
+}
+
+void PainterSurface::fontChanged()
+{
+    m_font.setPointSizeF(fontSize());
+    m_font.setBold(fontBold());
+    if (!m_device)
+        return;
+    m_painter.setFont(m_font);
+    const QFontMetricsF metrics(m_painter.font(), m_device);
+    m_lineHeight = metrics.height() / m_pixelsPerTwip;
+    m_ascent = metrics.ascent();
+}
+
+void PainterSurface::startNewPage()
+{
+    if (m_device)
+        m_device->newPage();
+}
+
+void PainterSurface::drawText(double x, double y, const QString &text)
+{
+    if (text.isEmpty())
+        return;
+    m_painter.drawText(QPointF(pixels(x), pixels(y) + m_ascent), text);
+}
+
+void PainterSurface::drawBox(double x1, double y1, double x2, double y2)
+{
+    m_painter.fillRect(
+        QRectF(QPointF(pixels(x1), pixels(y1)), QPointF(pixels(x2), pixels(y2))).normalized(),
+        Qt::black);
+}
+
+void PainterSurface::drawSegment(double x1, double y1, double x2, double y2, double thickness)
+{
+    m_painter.setPen(QPen(Qt::black, pixels(thickness), Qt::SolidLine, Qt::FlatCap));
+    m_painter.drawLine(QPointF(pixels(x1), pixels(y1)), QPointF(pixels(x2), pixels(y2)));
+}
+
+PdfFileSurface::PdfFileSurface(const QString &path, const QString &title) : m_file(path)
+{
+    if (!m_file.open(QIODevice::WriteOnly)) {
+        m_error = QStringLiteral("%1 cannot be written: %2")
+                      .arg(QDir::toNativeSeparators(path), m_file.errorString());
+        return;
+    }
+    m_writer = std::make_unique<QPdfWriter>(&m_file);
+    m_writer->setTitle(title);
+    m_writer->setCreator(QStringLiteral("Quillet"));
+    m_writer->setResolution(Resolution);
+    const double margin = MarginInches * 72.0;
+    m_writer->setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
+                                        QMarginsF(margin, margin, margin, margin),
+                                        QPageLayout::Point));
+    if (!begin(*m_writer)) {
+        m_error = QStringLiteral("%1 cannot be written.").arg(QDir::toNativeSeparators(path));
+        m_file.cancelWriting();
+    }
+}
+
+PdfFileSurface::~PdfFileSurface()
+{
+    if (isOpen())
+        abortDoc();
+}
+
+bool PdfFileSurface::endDoc()
+{
+    if (!m_error.isEmpty())
+        return false;
+    if (!endPainting()) {
+        m_error = QStringLiteral("%1 cannot be written.")
+                      .arg(QDir::toNativeSeparators(m_file.fileName()));
+        m_file.cancelWriting();
+        return false;
+    }
+    if (!m_file.commit()) {
+        m_error = QStringLiteral("%1 cannot be written: %2")
+                      .arg(QDir::toNativeSeparators(m_file.fileName()), m_file.errorString());
+        return false;
+    }
+    return true;
+}
+
+void PdfFileSurface::abortDoc()
+{
+    endPainting();
+    m_file.cancelWriting();
+}
+
+PrinterSurface::PrinterSurface(QPrinter &printer, const QString &title) : m_printer(printer)
+{
+    m_printer.setDocName(title);
+    if (!begin(m_printer))
+        m_error = QStringLiteral("The printer %1cannot be used.").arg(namedPrinter());
+}
+
+QString PrinterSurface::namedPrinter() const
+{
+    const QString name = m_printer.printerName();
+    return name.isEmpty() ? QString() : name + u' ';
+}
+
+PrinterSurface::~PrinterSurface()
+{
+    if (isOpen())
+        abortDoc();
+}
+
+bool PrinterSurface::endDoc()
+{
+    if (!m_error.isEmpty())
+        return false;
+    if (!endPainting() || m_printer.printerState() == QPrinter::Error) {
+        m_error = QStringLiteral("The printer %1did not accept the document.").arg(namedPrinter());
+        return false;
+    }
+    return true;
+}
+
+void PrinterSurface::abortDoc()
+{
+    m_printer.abort();
+    endPainting();
+}
+
+} // namespace quillet
