@@ -3,6 +3,7 @@
 #include "buttonpictures.h"
 #include "celledit.h"
 #include "displaytext.h"
+#include "listprintout.h"
 #include "messages.h"
 #include "rates.h"
 #include "twips.h"
@@ -189,6 +190,7 @@ void MainWindow::buildCommandBar()
     connect(MoveUp, &QToolButton::clicked, this, &MainWindow::MoveUp_Click);
     connect(MoveDown, &QToolButton::clicked, this, &MainWindow::MoveDown_Click);
     connect(cmdExit, &QToolButton::clicked, this, &MainWindow::cmdExit_Click);
+    connect(Print, &QToolButton::clicked, this, &MainWindow::Print_Click);
 }
 
 void MainWindow::buildListButtons()
@@ -827,6 +829,32 @@ bool MainWindow::writeRecord(int n, const ScenarioRecord &record)
 void MainWindow::reportProblem(const QString &message)
 {
     showMessage(this, message, QMessageBox::Warning);
+}
+
+// Prints the list shown on the default printer, or offers a PDF without one.
+void MainWindow::Print_Click()
+{
+    const bool investments = m_session.InvMode;
+    const int count = m_session.current().NumRecs();
+    if (count < 1) {
+        showMessage(this, emptyListMessage(investments));
+        return;
+    }
+    ListPrintJob job;
+    job.investments = investments;
+    job.headers = {Desc[0]->text(),       InitialAmount[0]->text(), Yield[0]->text(),
+                   Years[0]->text(),      Payment[0]->text(),       PerYear[0]->text(),
+                   FutureValue[0]->text()};
+    job.count = count;
+    job.readRecord = [this](int n) {
+        return m_session.readRecord(n);
+    };
+    job.stateFlags = m_session.StateFlags;
+    const QString title = listHeading(investments);
+    runPrintout(this, m_printSeams, title, title + QStringLiteral(".pdf"), count,
+                [&](PrintSurface &printer, const PrintProgress &progress) {
+                    return printList(printer, *m_measure, job, m_session.WorkingRecord, progress);
+                });
 }
 
 } // namespace quillet

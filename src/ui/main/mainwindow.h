@@ -12,6 +12,7 @@
 #include "gridcell.h"
 #include "helptexts.h"
 #include "mainlayout.h"
+#include "printjob.h"
 #include "session.h"
 #include "solvecache.h"
 #include "status.h"
@@ -55,6 +56,9 @@ public:
 
     const CellColumn &cells(GridColumn column) const;
 
+    // The printer and dialogs Print uses; tests answer them instead of a person.
+    void setPrintSeams(PrintSeams seams) { m_printSeams = std::move(seams); }
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
@@ -80,6 +84,7 @@ private:
     void MoveUp_Click();
     void MoveDown_Click();
     void Undo_Click();
+    void Print_Click();
 
     void cell_Click(GridCell *cell);
     bool cell_KeyPress(GridCell *cell, const QKeyEvent *event);
@@ -99,6 +104,7 @@ private:
     Session &m_session;
     std::unique_ptr<TextMeasure> m_measure;
     SolveCache m_solved;
+    PrintSeams m_printSeams = PrintSeams::system();
     bool m_activated = false;
     QString m_helpText;
 
