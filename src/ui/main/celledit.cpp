@@ -106,7 +106,11 @@ StoreOutcome storeCellText(GridColumn column, const QString &text, ScenarioRecor
     const std::optional<double> value = parseNumber(number);
     if (!value)
         return StoreOutcome::NotANumber;
-    *field = column == GridColumn::Yield ? *value / 100 : *value;
+    const double stored = column == GridColumn::Yield ? *value / 100 : *value;
+    // Stored, the marker would silently blank the field and have it solved.
+    if (!IsSet(stored))
+        return StoreOutcome::BlankMarker;
+    *field = stored;
     return StoreOutcome::Stored;
 }
 
@@ -118,6 +122,14 @@ QString perYearMessage()
 QString notANumberMessage(const QString &text)
 {
     return QStringLiteral("Error, \"%1\" is not a number").arg(text);
+}
+
+QString blankMarkerMessage(const QString &text)
+{
+    return QStringLiteral("Error, \"%1\" cannot be stored: this exact number marks an empty "
+                          "field. Nothing was changed; leave the cell empty to have the value "
+                          "calculated.")
+        .arg(text.trimmed());
 }
 
 } // namespace quillet

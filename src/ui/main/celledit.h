@@ -21,9 +21,10 @@ struct EditingText
 EditingText editingText(GridColumn column, const ScenarioRecord &record, const QString &shownText);
 
 enum class StoreOutcome {
-    Stored,           // the text is in the record
-    NotANumber,       // the record is unchanged
-    PerYearOutOfRange // the record is unchanged
+    Stored,            // the text is in the record
+    NotANumber,        // the record is unchanged
+    PerYearOutOfRange, // the record is unchanged
+    BlankMarker        // the number is the blank marker itself; the record is unchanged
 };
 
 // Parses a cell's text into its field of the record: an empty text stores
@@ -32,5 +33,6 @@ StoreOutcome storeCellText(GridColumn column, const QString &text, ScenarioRecor
 
 QString perYearMessage();
 QString notANumberMessage(const QString &text);
+QString blankMarkerMessage(const QString &text);
 
 } // namespace quillet

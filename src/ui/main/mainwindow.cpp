@@ -679,6 +679,9 @@ void MainWindow::saveCell(GridCell *cell, int record)
         // Refused: nothing is written and nothing is left to undo.
         showMessage(this, notANumberMessage(cell->text()));
         return;
+    case StoreOutcome::BlankMarker:
+        showMessage(this, blankMarkerMessage(cell->text()));
+        return;
     }
     if (!writeRecord(record, after))
         return;
