@@ -13,6 +13,8 @@ QUILLET_PACKAGES=(
     xvfb xauth xdotool imagemagick   # a real window for scripts/screenshot
     qt6-charts-dev qt6-svg-dev libqt6opengl6-dev   # quillet-report chart (Charts needs OpenGL's CMake files)
     python3-jsonschema      # the report tests validate every JSON output against its schema
+    poppler-utils           # pdftotext and pdfinfo read the printouts back in the tests
+    cups printer-driver-cups-pdf   # a default printer that prints to PDF, for the printing tests
 )
 
 quillet_as_root() {
