@@ -1,5 +1,6 @@
 #include "solver.h"
 
+#include "periodloops.h"
 #include "rates.h"
 
 #include <array>
@@ -30,6 +31,18 @@ bool store(double value, double &result)
         return false;
     result = value;
     return true;
+}
+
+void countTrial(SolveEffort *effort)
+{
+    if (effort)
+        ++effort->trials;
+}
+
+void countPeriods(SolveEffort *effort, long long periods)
+{
+    if (effort)
+        effort->periods += periods;
 }
 
 double rateTolerance(quint16 stateFlags)
@@ -73,7 +86,7 @@ double remainingLoanInterest(double balance, double i, double payment, double re
 // hit - step + step / 10. paymentAt gives no value for a trial that fails.
 template <typename PaymentAt, typename RateTooLow>
 bool refineRate(const PaymentAt &paymentAt, const RateTooLow &rateTooLow, double payment,
-                quint16 stateFlags, double &result)
+                quint16 stateFlags, double &result, SolveEffort *effort)
 {
     const double tolerance = rateTolerance(stateFlags);
     double rate = 0.1;
@@ -81,6 +94,7 @@ bool refineRate(const PaymentAt &paymentAt, const RateTooLow &rateTooLow, double
     bool found = false;
     while (step >= tolerance && !found) {
         double p = 0;
+        countTrial(effort);
         if (!paymentAt(rate, p))
             return false;
         if (p == payment)
@@ -105,12 +119,13 @@ bool refineRate(const PaymentAt &paymentAt, const RateTooLow &rateTooLow, double
 // that number of years is returned.
 template <typename PaymentAt, typename InBounds>
 bool refineYears(const PaymentAt &paymentAt, const InBounds &inBounds, double start, double payment,
-                 double &result)
+                 double &result, SolveEffort *effort)
 {
     double years = start;
     double step = start;
     while (inBounds(years) && step > 0.0001) {
         double p = 0;
+        countTrial(effort);
         if (!paymentAt(years, p))
             return false;
         if (p == payment)
@@ -175,7 +190,7 @@ bool InvPayment(double InitialAmount, double IRate, double Years, int PerYear, d
 }
 
 bool InvFuture(double InitialAmount, double IRate, double Years, double Payment, int PerYear,
-               double &result)
+               double &result, SolveEffort *effort)
 {
     // Without payments the money compounds once a year whatever PerYear says.
     const int ppy = Payment != 0 ? PerYear : 1;
@@ -188,26 +203,24 @@ bool InvFuture(double InitialAmount, double IRate, double Years, double Payment,
     if (Payment == 0)
         return store(InitialAmount * std::pow(1 + i, n), result);
 
-    // Period by period, so a fractional n counts as the next whole period.
-    double balance = InitialAmount;
-    double k = 0;
-    for (long long done = 0; k < n; ++done) {
-        if (done == LiteralPeriods)
-            return store(growBalance(balance, i, Payment, std::ceil(n - k)), result);
-        const double next = balance + balance * i + Payment;
-        if (!std::isfinite(next))
-            return false;
-        // A balance that no longer changes stays as it is to the end.
-        if (next == balance)
-            break;
-        balance = next;
-        k = k + 1;
-    }
-    return store(balance, result);
+    // Period by period while k < n, so a fractional n counts as the next
+    // whole period; past the literal limit the closed formula goes on.
+    const double literal = static_cast<double>(LiteralPeriods);
+    const bool beyondLimit = n > literal;
+    const long long count =
+        beyondLimit ? LiteralPeriods : (n > 0 ? static_cast<long long>(std::ceil(n)) : 0);
+    const GrowthRun run = runGrowth(InitialAmount, i, Payment, count);
+    countPeriods(effort, run.computed);
+    if (run.end == LoopEnd::NotFinite)
+        return false;
+    // A settled balance stays as it is to the end, formula or not.
+    if (run.end == LoopEnd::Finished && beyondLimit)
+        return store(growBalance(run.balance, i, Payment, std::ceil(n - literal)), result);
+    return store(run.balance, result);
 }
 
 bool InvRate(double InitialAmount, double Years, double Payment, int PerYear, double FutureValue,
-             quint16 stateFlags, double &result)
+             quint16 stateFlags, double &result, SolveEffort *effort)
 {
     if (Years <= 0 || (InitialAmount == 0 && Payment == 0) ||
         (InitialAmount == 0 && FutureValue == 0) || (FutureValue == 0 && Payment == 0) ||
@@ -219,11 +232,11 @@ bool InvRate(double InitialAmount, double Years, double Payment, int PerYear, do
         [&](double rate, double &p) {
             return InvPayment(InitialAmount, rate, Years, PerYear, FutureValue, p);
         },
-        [Payment](double p) { return p > Payment; }, Payment, stateFlags, result);
+        [Payment](double p) { return p > Payment; }, Payment, stateFlags, result, effort);
 }
 
 bool InvYears(double InitialAmount, double IRate, double Payment, int PerYear, double FutureValue,
-              double &result)
+              double &result, SolveEffort *effort)
 {
     if (IRate < 0 || (Payment == 0 && InitialAmount == 0) ||
         (FutureValue == 0 && InitialAmount == 0) || (Payment == 0 && FutureValue == 0) ||
@@ -239,7 +252,7 @@ bool InvYears(double InitialAmount, double IRate, double Payment, int PerYear, d
         [&](double years, double &p) {
             return InvPayment(InitialAmount, IRate, years, PerYear, FutureValue, p);
         },
-        [](double years) { return years < 2600; }, 100, Payment, result);
+        [](double years) { return years < 2600; }, 100, Payment, result, effort);
 }
 
 bool LoanAmount(double IRate, double Years, double Payment, int PerYear, double &result)
@@ -265,17 +278,18 @@ bool LoanPayment(double InitialAmount, double IRate, double Years, int PerYear, 
 }
 
 bool LoanRate(double InitialAmount, double Years, double Payment, int PerYear, quint16 stateFlags,
-              double &result)
+              double &result, SolveEffort *effort)
 {
     if (InitialAmount <= 0 || Years <= 0 || Payment <= 0)
         return false;
 
     return refineRate(
         [&](double rate, double &p) { return LoanPayment(InitialAmount, rate, Years, PerYear, p); },
-        [Payment](double p) { return p < Payment; }, Payment, stateFlags, result);
+        [Payment](double p) { return p < Payment; }, Payment, stateFlags, result, effort);
 }
 
-bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, double &result)
+bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, double &result,
+               SolveEffort *effort)
 {
     // A loan at exactly 0 % gets no years: the empty cell is intended.
     if (InitialAmount <= 0 || IRate <= 0 || Payment <= 0)
@@ -286,10 +300,11 @@ bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, 
         [&](double years, double &p) {
             return LoanPayment(InitialAmount, IRate, years, PerYear, p);
         },
-        [](double years) { return years <= 100; }, 10, Payment, result);
+        [](double years) { return years <= 100; }, 10, Payment, result, effort);
 }
 
-bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double &result)
+bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double &result,
+                       SolveEffort *effort)
 {
     const int perYear = PerYearOr(record.PerYear, 1);
     const double storedAmount = ValueOr(record.InitialAmount, 0);
@@ -310,13 +325,13 @@ bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double 
     if (ok && IsSet(record.IRate))
         rate = record.IRate;
     else
-        ok = LoanRate(storedAmount, storedYears, storedPayment, perYear, stateFlags, rate);
+        ok = LoanRate(storedAmount, storedYears, storedPayment, perYear, stateFlags, rate, effort);
 
     double years = 0;
     if (ok && IsSet(record.Years))
         years = record.Years;
     else
-        ok = LoanYears(storedAmount, storedRate, storedPayment, perYear, years);
+        ok = LoanYears(storedAmount, storedRate, storedPayment, perYear, years, effort);
 
     // Past 300 years the answer is "solved, but zero": the program's limit.
     if (!ok || years > 300)
@@ -328,28 +343,19 @@ bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double 
 
     // The last payment is cut to the balance, but its interest counts in full.
     const double i = rate / perYear;
-    double periods = years * perYear;
-    double balance = amount;
-    double total = 0;
-    for (long long done = 0; periods > 0 && balance > 0; ++done) {
-        if (done == LiteralPeriods) {
-            total = total + remainingLoanInterest(balance, i, payment, std::ceil(periods));
-            break;
-        }
-        const double interest = i * balance;
-        double principal = payment - interest;
-        if (principal > balance)
-            principal = balance;
-        balance = balance - principal;
-        total = total + interest;
-        periods = periods - 1;
-        if (!std::isfinite(balance) || !std::isfinite(total))
-            return false;
-    }
+    const LoanRun run = runLoanInterest(amount, i, payment, years * perYear, LiteralPeriods);
+    countPeriods(effort, run.computed);
+    if (run.end == LoopEnd::NotFinite)
+        return false;
+    double total = run.total;
+    // Past the literal limit the closed formula adds the rest.
+    if (run.done == LiteralPeriods && run.periods > 0 && run.balance > 0)
+        total = total + remainingLoanInterest(run.balance, i, payment, std::ceil(run.periods));
     return store(total, result);
 }
 
-SolveResult Solve(const ScenarioRecord &record, Field field, bool investments, quint16 stateFlags)
+SolveResult Solve(const ScenarioRecord &record, Field field, bool investments, quint16 stateFlags,
+                  SolveEffort *effort)
 {
     SolveResult answer;
     double stored = 0;
@@ -400,12 +406,13 @@ SolveResult Solve(const ScenarioRecord &record, Field field, bool investments, q
                              : LoanAmount(rate, years, payment, perYear, value);
         break;
     case Field::IRate:
-        solved = investments ? InvRate(amount, years, payment, perYear, future, stateFlags, value)
-                             : LoanRate(amount, years, payment, perYear, stateFlags, value);
+        solved = investments
+                     ? InvRate(amount, years, payment, perYear, future, stateFlags, value, effort)
+                     : LoanRate(amount, years, payment, perYear, stateFlags, value, effort);
         break;
     case Field::Years:
-        solved = investments ? InvYears(amount, rate, payment, perYear, future, value)
-                             : LoanYears(amount, rate, payment, perYear, value);
+        solved = investments ? InvYears(amount, rate, payment, perYear, future, value, effort)
+                             : LoanYears(amount, rate, payment, perYear, value, effort);
         break;
     case Field::Payment:
         if (!IsSet(record.IRate))
@@ -416,8 +423,8 @@ SolveResult Solve(const ScenarioRecord &record, Field field, bool investments, q
                              : LoanPayment(amount, rate, years, perYear, value);
         break;
     case Field::FutureValue:
-        solved = investments ? InvFuture(amount, rate, years, payment, perYear, value)
-                             : LoanTotalInterest(record, stateFlags, value);
+        solved = investments ? InvFuture(amount, rate, years, payment, perYear, value, effort)
+                             : LoanTotalInterest(record, stateFlags, value, effort);
         break;
     case Field::Desc:
     case Field::PerYear:

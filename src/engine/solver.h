@@ -35,10 +35,20 @@ inline constexpr double MaxSearchRate = 1000.0;
 inline constexpr long long LiteralPeriods = 1'000'000;
 } // namespace SolverLimits
 
+// What a solve computed: the trial values its searches tried and the periods
+// its period-by-period loops computed. Counted for the tests that bound the
+// work any input can cause.
+struct SolveEffort
+{
+    long long trials = 0;
+    long long periods = 0;
+};
+
 // Solves the named field of a record of the investments list (investments
-// true) or of the loans list. stateFlags selects the search tolerance.
+// true) or of the loans list. stateFlags selects the search tolerance;
+// effort, when given, adds up what the solve computed.
 SolveResult Solve(const ScenarioRecord &record, Field field, bool investments,
-                  quint16 stateFlags = 0);
+                  quint16 stateFlags = 0, SolveEffort *effort = nullptr);
 
 // The solvers. Each takes its inputs with blanks already replaced by their
 // defaults (amounts, rate, years 0; payments a year 1), returns false for
@@ -49,19 +59,21 @@ bool InvInitial(double IRate, double Years, double Payment, int PerYear, double 
 bool InvPayment(double InitialAmount, double IRate, double Years, int PerYear, double FutureValue,
                 double &result);
 bool InvFuture(double InitialAmount, double IRate, double Years, double Payment, int PerYear,
-               double &result);
+               double &result, SolveEffort *effort = nullptr);
 bool InvRate(double InitialAmount, double Years, double Payment, int PerYear, double FutureValue,
-             quint16 stateFlags, double &result);
+             quint16 stateFlags, double &result, SolveEffort *effort = nullptr);
 bool InvYears(double InitialAmount, double IRate, double Payment, int PerYear, double FutureValue,
-              double &result);
+              double &result, SolveEffort *effort = nullptr);
 
 bool LoanAmount(double IRate, double Years, double Payment, int PerYear, double &result);
 bool LoanPayment(double InitialAmount, double IRate, double Years, int PerYear, double &result);
 bool LoanRate(double InitialAmount, double Years, double Payment, int PerYear, quint16 stateFlags,
-              double &result);
-bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, double &result);
+              double &result, SolveEffort *effort = nullptr);
+bool LoanYears(double InitialAmount, double IRate, double Payment, int PerYear, double &result,
+               SolveEffort *effort = nullptr);
 // Reads the record itself: which quantities are stored decides what it
 // fills in before it runs the schedule.
-bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double &result);
+bool LoanTotalInterest(const ScenarioRecord &record, quint16 stateFlags, double &result,
+                       SolveEffort *effort = nullptr);
 
 } // namespace quillet

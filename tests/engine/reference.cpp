@@ -290,6 +290,29 @@ bool loanTotalInterest(const ScenarioRecord &record, double tolerance, double &r
     return ok;
 }
 
+double growth(double balance, double i, double payment, long long count)
+{
+    for (long long k = 0; k < count; ++k)
+        balance = balance + balance * i + payment;
+    return balance;
+}
+
+LoanLoopState loanLoop(double balance, double i, double payment, double periods, long long limit)
+{
+    LoanLoopState state{balance, 0, periods, 0};
+    while (state.done < limit && state.periods > 0 && state.balance > 0) {
+        const double interest = i * state.balance;
+        double principal = payment - interest;
+        if (principal > state.balance)
+            principal = state.balance;
+        state.balance = state.balance - principal;
+        state.total = state.total + interest;
+        state.periods = state.periods - 1;
+        ++state.done;
+    }
+    return state;
+}
+
 std::vector<InvestmentRow> investmentSchedule(double balance, double yearlyRate, double payment,
                                               double perYear, int count)
 {

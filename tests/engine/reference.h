@@ -37,6 +37,21 @@ bool loanRateSearch(double initialAmount, double years, double payment, int perY
 bool loanYears(double initialAmount, double rate, double payment, int perYear, double &result);
 bool loanTotalInterest(const ScenarioRecord &record, double tolerance, double &result);
 
+// The investment loop alone: `count` periods of balance = balance + balance
+// * i + payment, with nothing stopping it early.
+double growth(double balance, double i, double payment, long long count);
+
+struct LoanLoopState
+{
+    double balance = 0;
+    double total = 0;
+    double periods = 0;
+    long long done = 0;
+};
+
+// The loan loop alone, at most `limit` periods, from a total of 0.
+LoanLoopState loanLoop(double balance, double i, double payment, double periods, long long limit);
+
 struct InvestmentRow
 {
     double earnings = 0;
