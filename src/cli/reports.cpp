@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -91,22 +92,23 @@ QString currency(double value)
     return QLocale().toCurrencyString(value, QString(), 2);
 }
 
-JsonValue fieldJson(const QString &text, const SolveResult &solved)
+// A figure as spreadsheets read numbers: '.' decimal point, no grouping,
+// no currency sign, rounded as the window rounds it; empty without a value.
+QString plainFigure(double value, int decimals)
 {
-    return JsonValue::object({
-        {QStringLiteral("text"), JsonValue::string(text)},
-        {QStringLiteral("value"), solved.ok ? JsonValue::number(solved.value) : JsonValue::null()},
-        {QStringLiteral("ok"), JsonValue::boolean(solved.ok)},
-        {QStringLiteral("computed"), JsonValue::boolean(solved.computed)},
-    });
+    if (!std::isfinite(value))
+        return {};
+    QString text = QString::number(value, 'f', decimals);
+    // A value that rounds to zero from below is zero, not "-0.00".
+    if (text.startsWith(u'-') &&
+        std::all_of(text.cbegin() + 1, text.cend(), [](QChar c) { return c == u'0' || c == u'.'; }))
+        text.remove(0, 1);
+    return text;
 }
 
-JsonValue amountJson(double value)
+QString plainAmount(double value)
 {
-    return JsonValue::object({
-        {QStringLiteral("text"), JsonValue::string(currency(value))},
-        {QStringLiteral("value"), JsonValue::number(value)},
-    });
+    return plainFigure(value, 2);
 }
 
 // The value fields of a record as the grid or a schedule header shows them.
@@ -115,6 +117,12 @@ struct RecordView
     std::array<FieldDisplay, 5> displays;
     std::array<SolveResult, 5> solved;
     QStringList computedNames;
+
+    // A value to report: solved or stored, and a number.
+    bool hasValue(std::size_t k) const { return solved[k].ok && std::isfinite(solved[k].value); }
+    // Solved and shown (bold in the grid): the one meaning of "computed"
+    // throughout the output.
+    bool isComputed(std::size_t k) const { return displays[k].bold(); }
 };
 
 RecordView viewOf(const ScenarioRecord &record, ListKind list)
@@ -123,19 +131,56 @@ RecordView viewOf(const ScenarioRecord &record, ListKind list)
     for (std::size_t k = 0; k < ValueFields.size(); ++k) {
         view.solved[k] = Solve(record, ValueFields[k], isInvestments(list));
         view.displays[k] = displayOf(ValueFields[k], view.solved[k]);
-        // As the grid shows it: the field in bold, if any.
-        if (view.displays[k].bold())
-            view.computedNames.append(fieldName(ValueFields[k]));
+        if (view.isComputed(k))
+            view.computedNames.append(reportFieldName(list, ValueFields[k]));
     }
     return view;
 }
 
-JsonValue fieldsJson(const RecordView &view)
+std::size_t indexOf(Field field)
+{
+    for (std::size_t k = 0; k < ValueFields.size(); ++k) {
+        if (ValueFields[k] == field)
+            return k;
+    }
+    return 0;
+}
+
+// The plain CSV figure of one value field: amounts to cents, the rate in
+// percent to hundredths, years to tenths.
+QString plainField(const RecordView &view, Field field)
+{
+    const std::size_t k = indexOf(field);
+    if (!view.hasValue(k))
+        return {};
+    const double value = view.solved[k].value;
+    switch (field) {
+    case Field::IRate:
+        return plainFigure(value * 100, 2);
+    case Field::Years:
+        return plainFigure(value, 1);
+    default:
+        return plainAmount(value);
+    }
+}
+
+JsonValue fieldJson(const RecordView &view, std::size_t k)
+{
+    const bool hasValue = view.hasValue(k);
+    return JsonValue::object({
+        {QStringLiteral("text"), JsonValue::string(view.displays[k].text)},
+        {QStringLiteral("value"),
+         hasValue ? JsonValue::number(view.solved[k].value) : JsonValue::null()},
+        {QStringLiteral("ok"), JsonValue::boolean(hasValue)},
+        {QStringLiteral("computed"), JsonValue::boolean(view.isComputed(k))},
+    });
+}
+
+JsonValue fieldsJson(const RecordView &view, ListKind list)
 {
     JsonValue::Object fields;
     for (std::size_t k = 0; k < ValueFields.size(); ++k)
-        fields.emplace_back(fieldName(ValueFields[k]),
-                            fieldJson(view.displays[k].text, view.solved[k]));
+        fields.emplace_back(reportFieldName(list, ValueFields[k]), fieldJson(view, k));
     return JsonValue::object(std::move(fields));
 }
 
@@ -147,22 +192,84 @@ JsonValue namesJson(const QStringList &names)
     return JsonValue::array(std::move(array));
 }
 
+JsonValue perYearJson(const QString &text, qint16 stored)
+{
+    return JsonValue::object({
+        {QStringLiteral("text"), JsonValue::string(text)},
+        {QStringLiteral("stored"), JsonValue::integer(stored)},
+    });
+}
+
+JsonValue amountJson(double value)
+{
+    return JsonValue::object({
+        {QStringLiteral("text"), JsonValue::string(currency(value))},
+        {QStringLiteral("value"), JsonValue::number(value)},
+    });
+}
+
 // The grid's column order: the payments a year stand between the payment
 // and the fifth value.
 constexpr std::array<Field, 6> GridNumberColumns = {Field::InitialAmount, Field::IRate,
                                                     Field::Years,         Field::Payment,
                                                     Field::PerYear,       Field::FutureValue};
 
-const FieldDisplay &displayOf(const RecordView &view, Field field)
+// CSV names the rate column by its unit, since its figures carry no sign.
+QString csvHeading(ListKind list, Field field)
 {
-    for (std::size_t k = 0; k < ValueFields.size(); ++k) {
-        if (ValueFields[k] == field)
-            return view.displays[k];
+    return field == Field::IRate ? QStringLiteral("Rate (%)") : gridHeading(list, field);
+}
+
+// Label and text lines of the value fields, the solved values marked since
+// plain text has no bold.
+QList<std::pair<QString, QString>> headerLines(ListKind list, const RecordView &view,
+                                               const QString &perYearText)
+{
+    QList<std::pair<QString, QString>> lines;
+    for (const Field field : GridNumberColumns) {
+        if (field == Field::PerYear) {
+            lines.append({scheduleLabel(list, field), perYearText});
+            continue;
+        }
+        const std::size_t k = indexOf(field);
+        const FieldDisplay &display = view.displays[k];
+        QString text = display.text;
+        if (view.isComputed(k))
+            text += QStringLiteral("(computed)");
+        else if (view.solved[k].computed)
+            text += QStringLiteral("(cannot be calculated)");
+        lines.append({scheduleLabel(list, field), text});
     }
-    return view.displays[0];
+    return lines;
+}
+
+QString labelledLines(const QList<std::pair<QString, QString>> &lines)
+{
+    qsizetype labelWidth = 0;
+    for (const auto &line : lines)
+        labelWidth = std::max(labelWidth, line.first.size());
+    QString text;
+    for (const auto &[label, value] : lines) {
+        text += withoutTrailingBlanks(label.leftJustified(labelWidth + 1, u' ') +
+                                      withoutControls(value)) +
+                u'\n';
+    }
+    return text;
+}
+
+QString toJsonText(JsonValue::Object members)
+{
+    return JsonValue::object(std::move(members)).toJson() + u'\n';
 }
 
 } // namespace
+
+QString reportFieldName(ListKind list, Field field)
+{
+    if (field == Field::FutureValue && !isInvestments(list))
+        return QStringLiteral("TotalInterest");
+    return fieldName(field);
+}
 
 QString listReport(ListKind list, const std::vector<ScenarioRecord> &records,
                    const QString &fileName, Format format)
@@ -175,30 +282,25 @@ QString listReport(ListKind list, const std::vector<ScenarioRecord> &records,
             rows.push_back(JsonValue::object({
                 {QStringLiteral("record"), JsonValue::integer(++number)},
                 {QStringLiteral("description"), JsonValue::string(trimmedDesc(record))},
-                {QStringLiteral("fields"), fieldsJson(view)},
-                {QStringLiteral("perYear"),
-                 JsonValue::object({
-                     {QStringLiteral("text"), JsonValue::string(gridPerYear(record))},
-                     {QStringLiteral("stored"), JsonValue::integer(record.PerYear)},
-                 })},
+                {QStringLiteral("fields"), fieldsJson(view, list)},
+                {QStringLiteral("perYear"), perYearJson(gridPerYear(record), record.PerYear)},
                 {QStringLiteral("computed"), namesJson(view.computedNames)},
             }));
         }
-        return JsonValue::object(
-                   {
-                       {QStringLiteral("list"), JsonValue::string(listName(list))},
-                       {QStringLiteral("file"), JsonValue::string(fileName)},
-                       {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
-                       {QStringLiteral("records"), JsonValue::array(std::move(rows))},
-                   })
-                   .toJson() +
-               u'\n';
+        return toJsonText({
+            {QStringLiteral("report"), JsonValue::string(QStringLiteral("list"))},
+            {QStringLiteral("list"), JsonValue::string(listName(list))},
+            {QStringLiteral("file"), JsonValue::string(fileName)},
+            {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
+            {QStringLiteral("records"), JsonValue::array(std::move(rows))},
+        });
     }
 
+    const bool csv = format == Format::Csv;
     QList<TextTable::Column> columns = {{QStringLiteral("Record"), Align::Right},
                                         {gridHeading(list, Field::Desc), Align::Left}};
     for (const Field field : GridNumberColumns)
-        columns.append({gridHeading(list, field), Align::Right});
+        columns.append({csv ? csvHeading(list, field) : gridHeading(list, field), Align::Right});
     columns.append({QStringLiteral("Computed"), Align::Left});
     TextTable table(columns);
 
@@ -206,25 +308,33 @@ QString listReport(ListKind list, const std::vector<ScenarioRecord> &records,
     for (const ScenarioRecord &record : records) {
         const RecordView view = viewOf(record, list);
         QStringList cells = {QString::number(++number), trimmedDesc(record)};
-        for (const Field field : GridNumberColumns)
-            cells.append(field == Field::PerYear ? gridPerYear(record)
-                                                 : displayOf(view, field).text);
+        for (const Field field : GridNumberColumns) {
+            if (field == Field::PerYear)
+                cells.append(gridPerYear(record));
+            else
+                cells.append(csv ? plainField(view, field) : view.displays[indexOf(field)].text);
+        }
         cells.append(view.computedNames.join(u' '));
         table.addRow(cells);
     }
-    return format == Format::Csv ? table.toCsv() : table.toText();
+    return csv ? table.toCsv() : table.toText();
 }
 
-Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNumber,
-                      const QString &fileName, Format format, QString &output)
+int ScheduleData::rowCount() const
+{
+    return static_cast<int>(investmentRows.size() + loanRows.size());
+}
+
+Status computeSchedule(ListKind list, const ScenarioRecord &record, int recordNumber,
+                       const QString &fileName, ScheduleData &data)
 {
     const bool investments = isInvestments(list);
-    const ScheduleHeader header = scheduleHeader(record, investments);
-    const RecordView view = viewOf(record, list);
+    data = ScheduleData();
+    data.header = scheduleHeader(record, investments);
 
     using CountStatus = PeriodCountOutcome::Status;
     const PeriodCountOutcome periods =
-        PeriodCountFor(header.value(Field::Years).text, header.perYear);
+        PeriodCountFor(data.header.value(Field::Years).text, data.header.perYear);
     if (periods.status == CountStatus::TooMany) {
         return Status::failure(QStringLiteral("record %1 of %2 has more than %3 periods")
                                    .arg(recordNumber)
@@ -237,13 +347,35 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                                    .arg(recordNumber)
                                    .arg(fileName));
     }
-    const bool counted = periods.status == CountStatus::Counted;
-    const int rowCount = counted && periods.count > 0 ? periods.count : 0;
+    data.counted = periods.status == CountStatus::Counted;
+    data.periodCount = data.counted ? periods.count : 0;
+    const int rowCount = std::max(data.periodCount, 0);
 
-    // Without rows the start values are never used; PerYear text is a
+    // Without rows the start values are never used; the PerYear text is a
     // number whenever the count could be taken.
-    const ScheduleStart start =
-        scheduleStart(record, investments, schedulePerYear(header.perYear).value_or(1.0));
+    data.perYear = schedulePerYear(data.header.perYear).value_or(1.0);
+    const ScheduleStart start = scheduleStart(record, investments, data.perYear);
+    if (investments)
+        data.investmentRows = InvestmentSchedule::rows(start, 1, rowCount);
+    else
+        data.loanRows = LoanSchedule::rows(start, 1, rowCount);
+    return {};
+}
+
+Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNumber,
+                      const QString &fileName, Format format, QString &output)
+{
+    ScheduleData data;
+    if (const Status status = computeSchedule(list, record, recordNumber, fileName, data);
+        !status.ok())
+        return status;
+    const bool investments = isInvestments(list);
+    const RecordView view = viewOf(record, list);
+    const bool csv = format == Format::Csv;
+    // Text shows the window's currency texts, CSV plain figures.
+    auto money = [csv](double value) {
+        return csv ? plainAmount(value) : currency(value);
+    };
 
     QList<TextTable::Column> columns;
     std::vector<QStringList> textRows;
@@ -253,17 +385,19 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                    {QStringLiteral("Earnings"), Align::Right},
                    {QStringLiteral("Cumulative Earnings"), Align::Right},
                    {QStringLiteral("Total Earnings and Payments"), Align::Right}};
-        for (const InvestmentScheduleRow &row : InvestmentSchedule::rows(start, 1, rowCount)) {
-            textRows.push_back({PadNum(row.period, 4), currency(row.earnings),
-                                currency(row.cumulativeEarnings), currency(row.balance)});
+        for (const InvestmentScheduleRow &row : data.investmentRows) {
+            const QString period = csv ? QString::number(row.period) : PadNum(row.period, 4);
             if (format == Format::Json) {
                 jsonRows.push_back(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(textRows.back().first())},
+                    {QStringLiteral("periodText"), JsonValue::string(PadNum(row.period, 4))},
                     {QStringLiteral("earnings"), amountJson(row.earnings)},
                     {QStringLiteral("cumulativeEarnings"), amountJson(row.cumulativeEarnings)},
                     {QStringLiteral("balance"), amountJson(row.balance)},
                 }));
+            } else {
+                textRows.push_back({period, money(row.earnings), money(row.cumulativeEarnings),
+                                    money(row.balance)});
             }
         }
     } else {
@@ -273,82 +407,81 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                    {QStringLiteral("Cumulative Principal"), Align::Right},
                    {QStringLiteral("Cumulative Interest"), Align::Right},
                    {QStringLiteral("Remaining Balance"), Align::Right}};
-        for (const LoanScheduleRow &row : LoanSchedule::rows(start, 1, rowCount)) {
-            textRows.push_back({PadNum(row.period, 4), currency(row.principal),
-                                currency(row.interest), currency(row.cumulativePrincipal),
-                                currency(row.cumulativeInterest), currency(row.balance)});
+        for (const LoanScheduleRow &row : data.loanRows) {
+            const QString period = csv ? QString::number(row.period) : PadNum(row.period, 4);
             if (format == Format::Json) {
                 jsonRows.push_back(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(textRows.back().first())},
+                    {QStringLiteral("periodText"), JsonValue::string(PadNum(row.period, 4))},
                     {QStringLiteral("principal"), amountJson(row.principal)},
                     {QStringLiteral("interest"), amountJson(row.interest)},
                     {QStringLiteral("cumulativePrincipal"), amountJson(row.cumulativePrincipal)},
                     {QStringLiteral("cumulativeInterest"), amountJson(row.cumulativeInterest)},
                     {QStringLiteral("balance"), amountJson(row.balance)},
                 }));
+            } else {
+                textRows.push_back({period, money(row.principal), money(row.interest),
+                                    money(row.cumulativePrincipal), money(row.cumulativeInterest),
+                                    money(row.balance)});
             }
         }
     }
 
     if (format == Format::Json) {
-        output = JsonValue::object(
-                     {
-                         {QStringLiteral("list"), JsonValue::string(listName(list))},
-                         {QStringLiteral("file"), JsonValue::string(fileName)},
-                         {QStringLiteral("record"), JsonValue::integer(recordNumber)},
-                         {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
-                         {QStringLiteral("header"),
-                          JsonValue::object({
-                              {QStringLiteral("description"), JsonValue::string(header.desc)},
-                              {QStringLiteral("fields"), fieldsJson(view)},
-                              {QStringLiteral("perYear"), JsonValue::string(header.perYear)},
-                          })},
-                         {QStringLiteral("periodCount"),
-                          counted ? JsonValue::integer(periods.count) : JsonValue::null()},
-                         {QStringLiteral("rows"), JsonValue::array(std::move(jsonRows))},
-                     })
-                     .toJson() +
-                 u'\n';
+        output = toJsonText({
+            {QStringLiteral("report"), JsonValue::string(QStringLiteral("schedule"))},
+            {QStringLiteral("list"), JsonValue::string(listName(list))},
+            {QStringLiteral("file"), JsonValue::string(fileName)},
+            {QStringLiteral("record"), JsonValue::integer(recordNumber)},
+            {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
+            {QStringLiteral("header"),
+             JsonValue::object({
+                 {QStringLiteral("description"), JsonValue::string(data.header.desc)},
+                 {QStringLiteral("fields"), fieldsJson(view, list)},
+                 {QStringLiteral("perYear"), perYearJson(data.header.perYear, record.PerYear)},
+                 {QStringLiteral("computed"), namesJson(view.computedNames)},
+             })},
+            {QStringLiteral("periodCount"),
+             data.counted ? JsonValue::integer(data.periodCount) : JsonValue::null()},
+            {QStringLiteral("rows"), JsonValue::array(std::move(jsonRows))},
+        });
         return {};
     }
 
     TextTable table(columns);
     for (QStringList &row : textRows)
         table.addRow(std::move(row));
-    if (format == Format::Csv) {
+    if (csv) {
         output = table.toCsv();
         return {};
     }
 
-    // The header as label and text lines, the solved values marked since
-    // plain text has no bold.
-    QList<std::pair<QString, QString>> lines;
-    lines.append({scheduleLabel(list, Field::Desc), header.desc});
-    for (const Field field : GridNumberColumns) {
-        if (field == Field::PerYear) {
-            lines.append({scheduleLabel(list, field), header.perYear});
-            continue;
-        }
-        const FieldDisplay &display = header.value(field);
-        lines.append({scheduleLabel(list, field),
-                      display.bold() ? display.text + QStringLiteral("(computed)") : display.text});
-    }
+    QList<std::pair<QString, QString>> lines = headerLines(list, view, data.header.perYear);
+    lines.prepend({scheduleLabel(list, Field::Desc), data.header.desc});
     lines.append(
-        {QStringLiteral("Periods:"), counted ? QString::number(periods.count) : QString()});
-
-    qsizetype labelWidth = 0;
-    for (const auto &line : lines)
-        labelWidth = std::max(labelWidth, line.first.size());
-
-    QString text = (investments ? QStringLiteral("Investment Amortization")
-                                : QStringLiteral("Loan Amortization")) +
-                   QStringLiteral(", record %1 of %2\n").arg(recordNumber).arg(fileName);
-    for (const auto &[label, value] : lines)
-        text += withoutTrailingBlanks(label.leftJustified(labelWidth + 1, u' ') + value) + u'\n';
-    text += u'\n' + table.toText();
-    output = text;
+        {QStringLiteral("Periods:"), data.counted ? QString::number(data.periodCount) : QString()});
+    output = (investments ? QStringLiteral("Investment Amortization")
+                          : QStringLiteral("Loan Amortization")) +
+             QStringLiteral(", record %1 of %2\n").arg(recordNumber).arg(fileName) +
+             labelledLines(lines) + u'\n' + table.toText();
     return {};
+}
+
+QString solveReport(ListKind list, const ScenarioRecord &record, Format format)
+{
+    const RecordView view = viewOf(record, list);
+    if (format == Format::Json) {
+        return toJsonText({
+            {QStringLiteral("report"), JsonValue::string(QStringLiteral("solve"))},
+            {QStringLiteral("list"), JsonValue::string(listName(list))},
+            {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
+            {QStringLiteral("fields"), fieldsJson(view, list)},
+            {QStringLiteral("perYear"), perYearJson(gridPerYear(record), record.PerYear)},
+            {QStringLiteral("computed"), namesJson(view.computedNames)},
+        });
+    }
+    return (isInvestments(list) ? QStringLiteral("Investment\n") : QStringLiteral("Loan\n")) +
+           labelledLines(headerLines(list, view, gridPerYear(record)));
 }
 
 } // namespace quillet::report

@@ -28,7 +28,7 @@ QString TextTable::toText() const
         for (qsizetype c = 0; c < m_columns.size(); ++c) {
             if (c > 0)
                 text += QStringLiteral("  ");
-            const QString cell = cellAt(c);
+            const QString cell = withoutControls(cellAt(c));
             if (m_columns[c].align == Align::Right)
                 text += cell.rightJustified(widths[c], u' ');
             else
@@ -61,10 +61,26 @@ QString TextTable::toCsv() const
     return text;
 }
 
+bool isControl(QChar c)
+{
+    return c.category() == QChar::Other_Control;
+}
+
+QString withoutControls(const QString &text)
+{
+    if (std::none_of(text.begin(), text.end(), isControl))
+        return text;
+    QString shown = text;
+    std::replace_if(shown.begin(), shown.end(), isControl, u'?');
+    return shown;
+}
+
 QString csvField(const QString &text)
 {
-    const bool mustQuote =
-        text.contains(u',') || text.contains(u'"') || text.contains(u'\r') || text.contains(u'\n');
+    // Line breaks and the other control characters are quoted too, so that
+    // a reader keeps them inside their field.
+    const bool mustQuote = text.contains(u',') || text.contains(u'"') ||
+                           std::any_of(text.begin(), text.end(), isControl);
     if (!mustQuote)
         return text;
     QString quoted = text;

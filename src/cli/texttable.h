@@ -26,7 +26,8 @@ public:
     qsizetype rowCount() const { return m_rows.size(); }
 
     // Each column as wide as its widest cell, two blanks apart; lines end
-    // without blanks and with a newline.
+    // without blanks and with a newline. Control characters show as '?', so
+    // that no cell can break the table.
     QString toText() const;
     // RFC 4180: the headings as the first record, CRLF after every record,
     // a field quoted when it holds a comma, a quote or a line break.
@@ -37,8 +38,13 @@ private:
     QList<QStringList> m_rows;
 };
 
-// One field of a CSV record, quoted when it must be.
+// One field of a CSV record, quoted when it holds a comma, a quote, a line
+// break or any other control character.
 QString csvField(const QString &text);
+
+// The text with each control character (line breaks, tabs, C0 and C1
+// controls) replaced by '?'.
+QString withoutControls(const QString &text);
 
 // The text without the blanks at its end.
 QString withoutTrailingBlanks(const QString &text);
