@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "chart.h"
+#include "pdfreport.h"
 #include "rates.h"
 #include "readonlylistfile.h"
 #include "reports.h"
@@ -62,6 +63,7 @@ struct Request
     SolveInput solve;
     QString output;
     QSize size = DefaultChartSize;
+    bool pdf = false; // the printout, written to output
 };
 
 // Either a request or the reason the command line makes none.
@@ -314,10 +316,15 @@ QString parseFormat(const QCommandLineParser &parser, const Options &options, Re
         request.format = Format::Csv;
     else if (format == u"json")
         request.format = Format::Json;
-    else if (request.command == Command::Solve)
+    else if (format == u"pdf" && request.command != Command::Solve) {
+        if (!parser.isSet(options.output))
+            return QStringLiteral("--format pdf needs --output FILE");
+        request.pdf = true;
+        request.output = parser.value(options.output);
+    } else if (request.command == Command::Solve)
         return QStringLiteral("unknown format '%1' for solve: use text or json").arg(format);
     else
-        return QStringLiteral("unknown format '%1': use text, csv or json").arg(format);
+        return QStringLiteral("unknown format '%1': use text, csv, json or pdf").arg(format);
     return {};
 }
 
@@ -332,9 +339,11 @@ QString misplacedOption(const QCommandLineParser &parser, const Options &options
     } else if (parser.isSet(options.dir)) {
         return QStringLiteral("solve reads no list: --dir has no use");
     }
+    // A PDF printout is written to the --output file.
+    const bool pdf = parser.value(options.format) == u"pdf";
     if (command != Command::Chart) {
         for (const QCommandLineOption &option : {options.output, options.size}) {
-            if (parser.isSet(option))
+            if (parser.isSet(option) && !(pdf && option.names() == options.output.names()))
                 return QStringLiteral("%1 is only for chart").arg(dashed(option));
         }
     }
@@ -484,6 +493,10 @@ int runRequest(const Request &request, QTextStream &out, QTextStream &err)
     if (const Status status = file.load(request.directory, fileName); !status.ok())
         return fail(err, status.message());
 
+    if (request.command == Command::List && request.pdf) {
+        const Status status = writeListPdf(request.list, file.records(), request.output);
+        return status.ok() ? ExitSuccess : fail(err, status.message());
+    }
     if (request.command == Command::List) {
         report = listReport(request.list, file.records(), fileName, request.format);
     } else {
@@ -493,7 +506,8 @@ int runRequest(const Request &request, QTextStream &out, QTextStream &err)
             return fail(err, error);
         const ScenarioRecord &record = file.records()[static_cast<std::size_t>(*n - 1)];
         const Status status =
-            request.command == Command::Chart
+            request.pdf ? writeSchedulePdf(request.list, record, *n, fileName, request.output)
+            : request.command == Command::Chart
                 ? writeScheduleChart(request.list, record, *n, fileName, request.output,
                                      request.size)
                 : scheduleReport(request.list, record, *n, fileName, request.format, report);
@@ -514,6 +528,10 @@ QString usageText()
         "[--locale NAME]\n"
         "       quillet-report schedule investments|loans N [--dir DIR] "
         "[--format text|csv|json] [--locale NAME]\n"
+        "       quillet-report list investments|loans --format pdf --output FILE [--dir DIR] "
+        "[--locale NAME]\n"
+        "       quillet-report schedule investments|loans N --format pdf --output FILE "
+        "[--dir DIR] [--locale NAME]\n"
         "       quillet-report solve investment|loan [--initial X] [--rate R] [--years Y] "
         "[--payment P] [--per-year N] [--future F | --total-interest T] [--format text|json] "
         "[--locale NAME]\n"
@@ -591,6 +609,9 @@ Options:
                    and, for each scenario field, whether it has a value (ok)
                    and whether it was solved (computed); one schema for every
                    command (docs/quillet-report.schema.json).
+                   pdf: the printout Quillet's Print button makes of the list
+                   or of the schedule window (every period), written to
+                   --output FILE (US Letter). No display or printer is needed.
   --locale NAME    Write numbers and amounts as the locale NAME does (en_US,
                    de_DE, ...) instead of the user's own locale.
   -h, --help       Show this help.
@@ -607,6 +628,14 @@ Exit status:
 )help");
 }
 
+// A PDF is laid out in fonts, which need a graphical application too.
+static bool asksForPdf(const QStringList &arguments)
+{
+    const qsizetype format = arguments.indexOf(QStringLiteral("--format"));
+    return arguments.contains(QStringLiteral("--format=pdf")) ||
+           (format >= 0 && arguments.value(format + 1) == u"pdf");
+}
+
 bool needsGraphics(const QStringList &arguments)
 {
     const Options options;
@@ -618,7 +647,7 @@ bool needsGraphics(const QStringList &arguments)
             continue;
         }
         if (!argument.startsWith(u'-'))
-            return argument == u"chart";
+            return argument == u"chart" || asksForPdf(arguments);
     }
     return false;
 }
