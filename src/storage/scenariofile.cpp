@@ -1,15 +1,14 @@
 #include "scenariofile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace quillet {
 
@@ -20,19 +19,10 @@ QString systemError()
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-bool syncHandle(int handle)
+// Open errors that still allow reading the file.
+bool refusesWritingOnly(int error)
 {
-    return handle >= 0 && ::fdatasync(handle) == 0;
-}
-
-// A rename is durable only once the directory entry is on disk as well.
-void syncDirectory(const QString &directory)
-{
-    const int handle = ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY);
-    if (handle < 0)
-        return;
-    ::fsync(handle);
-    ::close(handle);
+    return error == EACCES || error == EPERM || error == EROFS || error == ETXTBSY;
 }
 
 qint64 slotOffset(int n)
@@ -55,7 +45,10 @@ std::vector<ScenarioRecord> decodeListBytes(QByteArrayView bytes)
 
 ScenarioFile::ScenarioFile() = default;
 
-ScenarioFile::~ScenarioFile() = default;
+ScenarioFile::~ScenarioFile()
+{
+    close();
+}
 
 qint64 ScenarioFile::countForSize(qint64 bytes)
 {
@@ -77,31 +70,67 @@ Status ScenarioFile::OpenDataFile(const QString &path)
 
 Status ScenarioFile::openHandle()
 {
-    auto file = std::make_unique<QFile>(m_path);
-    if (!file->open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        return failure(QStringLiteral("open"), file->errorString());
-    const qint64 records = countForSize(file->size());
-    if (records > MaxRecords) {
-        return Status::failure(
-            QStringLiteral("%1 holds %2 records, more than the %3 a list can hold.")
-                .arg(displayName())
-                .arg(records)
-                .arg(MaxRecords));
+    const QByteArray path = QFile::encodeName(m_path);
+    // Non-blocking, so that a pipe in the list's place cannot hang the program.
+    int fd = m_calls->open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    Access access = Access::ReadWrite;
+    QString why;
+    if (fd < 0 && refusesWritingOnly(errno)) {
+        why = systemError();
+        fd = m_calls->open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
+        access = Access::ReadOnly;
     }
-    m_file = std::move(file);
+    if (fd < 0)
+        return unavailable(systemError());
+
+    struct stat info = {};
+    if (m_calls->fstat(fd, &info) != 0) {
+        const QString error = systemError();
+        m_calls->close(fd);
+        return unavailable(error);
+    }
+    if (!S_ISREG(info.st_mode)) {
+        m_calls->close(fd);
+        return unavailable(QStringLiteral("it is not a plain file"));
+    }
+    const qint64 records = countForSize(info.st_size);
+    if (records > MaxRecords) {
+        m_calls->close(fd);
+        return unavailable(QStringLiteral("it holds %1 records, more than the %2 a list can hold")
+                               .arg(records)
+                               .arg(MaxRecords));
+    }
+    m_fd = fd;
     m_count = static_cast<int>(records);
+    m_access = access;
+    m_why = why;
+    if (access == Access::ReadOnly) {
+        return Status::failure(QStringLiteral("%1 can be read but not written (%2). Its scenarios "
+                                              "are shown, but changes to them cannot be saved.")
+                                   .arg(displayName(), why));
+    }
     return {};
+}
+
+Status ScenarioFile::unavailable(const QString &why)
+{
+    m_fd = -1;
+    m_count = 0;
+    m_access = Access::Unavailable;
+    m_why = why;
+    return Status::failure(QStringLiteral("%1 cannot be used: %2. Quillet shows it as an empty "
+                                          "list and leaves the file as it is.")
+                               .arg(displayName(), why));
 }
 
 void ScenarioFile::close()
 {
-    m_file.reset();
+    if (m_fd >= 0)
+        m_calls->close(m_fd);
+    m_fd = -1;
     m_count = 0;
-}
-
-bool ScenarioFile::isOpen() const
-{
-    return m_file != nullptr;
+    m_access = Access::Closed;
+    m_why.clear();
 }
 
 QString ScenarioFile::displayName() const
@@ -114,56 +143,146 @@ Status ScenarioFile::failure(const QString &what, const QString &why) const
     return Status::failure(QStringLiteral("Could not %1 %2: %3").arg(what, displayName(), why));
 }
 
-Status ScenarioFile::read(int n, ScenarioRecord &record) const
+// A list whose file could not be opened again after a rewrite tries again on
+// its next use, so the user never has to restart.
+Status ScenarioFile::ensureOpen(const QString &what)
+{
+    if (m_fd >= 0)
+        return {};
+    if (m_access == Access::ReadWrite) {
+        const int count = m_count;
+        (void)openHandle();
+        if (m_fd >= 0)
+            return {};
+        // Still closed: keep the list as it was and try again next time.
+        m_access = Access::ReadWrite;
+        m_count = count;
+        return failure(what, QStringLiteral("the file could not be opened again (%1).").arg(m_why));
+    }
+    if (m_access == Access::Unavailable)
+        return failure(what, QStringLiteral("the file cannot be used (%1).").arg(m_why));
+    return failure(what, QStringLiteral("the file is not open."));
+}
+
+Status ScenarioFile::ensureWritable(const QString &what)
+{
+    if (m_access == Access::ReadOnly)
+        return failure(what, QStringLiteral("the file can only be read (%1).").arg(m_why));
+    if (Status open = ensureOpen(what); !open.ok())
+        return open;
+    if (m_access != Access::ReadWrite)
+        return failure(what, QStringLiteral("the file can only be read (%1).").arg(m_why));
+    return {};
+}
+
+QByteArray ScenarioFile::readBytes(qint64 offset, qint64 size)
+{
+    QByteArray bytes(size, '\0');
+    qint64 got = 0;
+    while (got < size) {
+        const ssize_t n = m_calls->pread(m_fd, bytes.data() + got, static_cast<size_t>(size - got),
+                                         static_cast<off_t>(offset + got));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return {};
+        if (n == 0)
+            break;
+        got += n;
+    }
+    bytes.truncate(got);
+    return bytes;
+}
+
+bool ScenarioFile::writeAll(int fd, const QByteArray &bytes, qint64 offset)
+{
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n =
+            m_calls->pwrite(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done),
+                            static_cast<off_t>(offset + done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            if (n == 0)
+                errno = EIO;
+            return false;
+        }
+        done += n;
+    }
+    return true;
+}
+
+Status ScenarioFile::read(int n, ScenarioRecord &record)
 {
     const QString what = QStringLiteral("read record %1 of").arg(n);
-    if (!m_file)
-        return failure(what, QStringLiteral("the file is not open."));
+    if (Status open = ensureOpen(what); !open.ok())
+        return open;
     if (n < 1 || n > m_count)
         return failure(what, QStringLiteral("it holds %1 records.").arg(m_count));
-    if (!m_file->seek(slotOffset(n)))
-        return failure(what, m_file->errorString());
-    QByteArray bytes(SlotSize, '\0');
-    const qint64 got = m_file->read(bytes.data(), SlotSize);
-    if (got < 0)
-        return failure(what, m_file->errorString());
-    record = decodeRecord(QByteArrayView(bytes.constData(), got));
+    errno = 0;
+    const QByteArray bytes = readBytes(slotOffset(n), SlotSize);
+    if (bytes.isEmpty() && errno != 0)
+        return failure(what, systemError());
+    record = decodeRecord(bytes);
     return {};
 }
 
 Status ScenarioFile::write(int n, const ScenarioRecord &record)
 {
     const QString what = QStringLiteral("write record %1 of").arg(n);
-    if (!m_file)
-        return failure(what, QStringLiteral("the file is not open."));
+    if (Status writable = ensureWritable(what); !writable.ok())
+        return writable;
     if (n < 1 || n > m_count + 1)
         return failure(what, QStringLiteral("it holds %1 records.").arg(m_count));
     if (n > MaxRecords)
         return failure(what, QStringLiteral("a list holds at most %1 records.").arg(MaxRecords));
 
-    const qint64 offset = slotOffset(n);
-    // A short last slot is completed with zeros rather than left to chance.
-    if (m_file->size() < offset && !m_file->resize(offset))
-        return failure(what, m_file->errorString());
-    const QByteArray bytes = encodeRecord(record);
-    if (!m_file->seek(offset) || m_file->write(bytes) != bytes.size())
-        return failure(what, m_file->errorString());
-    if (!syncHandle(m_file->handle()))
+    struct stat info = {};
+    if (m_calls->fstat(m_fd, &info) != 0)
         return failure(what, systemError());
+    const qint64 offset = slotOffset(n);
+    const qint64 oldSize = info.st_size;
+    // What the write replaces, to put back if it fails half way.
+    const QByteArray previous = n <= m_count ? readBytes(offset, SlotSize) : QByteArray();
+
+    // A short last slot is completed with zeros rather than left to chance.
+    if (oldSize < offset && m_calls->ftruncate(m_fd, static_cast<off_t>(offset)) != 0)
+        return failure(what, systemError());
+    if (!writeAll(m_fd, encodeRecord(record), offset) || m_calls->fdatasync(m_fd) != 0) {
+        const QString why = systemError();
+        restoreSlot(offset, oldSize, previous);
+        return failure(what, why);
+    }
     if (n == m_count + 1)
         ++m_count;
     return {};
 }
 
-Status ScenarioFile::readAllRecords(QByteArray &contents) const
+void ScenarioFile::restoreSlot(qint64 offset, qint64 oldSize, const QByteArray &previous)
 {
-    if (!m_file)
-        return failure(QStringLiteral("read"), QStringLiteral("the file is not open."));
-    if (!m_file->seek(0))
-        return failure(QStringLiteral("read"), m_file->errorString());
-    const QByteArray bytes = m_file->readAll();
-    if (bytes.size() != m_file->size())
-        return failure(QStringLiteral("read"), m_file->errorString());
+    const int savedErrno = errno;
+    if (!previous.isEmpty())
+        (void)writeAll(m_fd, previous, offset);
+    if (oldSize < offset + SlotSize)
+        (void)m_calls->ftruncate(m_fd, static_cast<off_t>(oldSize));
+    (void)m_calls->fdatasync(m_fd);
+    errno = savedErrno;
+}
+
+Status ScenarioFile::readAllRecords(QByteArray &contents)
+{
+    const QString what = QStringLiteral("read");
+    if (Status open = ensureOpen(what); !open.ok())
+        return open;
+    struct stat info = {};
+    if (m_calls->fstat(m_fd, &info) != 0)
+        return failure(what, systemError());
+    errno = 0;
+    const QByteArray bytes = readBytes(0, info.st_size);
+    if (bytes.size() != info.st_size)
+        return failure(what, errno != 0 ? systemError()
+                                        : QStringLiteral("the file is shorter than it was."));
 
     // Every record passes through the codec, exactly as a read and a write
     // of each would: a short last slot is completed, a shorter piece dropped.
@@ -177,6 +296,8 @@ Status ScenarioFile::readAllRecords(QByteArray &contents) const
 Status ScenarioFile::remove(int n, ScenarioRecord *removed)
 {
     const QString what = QStringLiteral("delete record %1 of").arg(n);
+    if (Status writable = ensureWritable(what); !writable.ok())
+        return writable;
     if (n < 1 || n > m_count)
         return failure(what, QStringLiteral("it holds %1 records.").arg(m_count));
     QByteArray contents;
@@ -192,6 +313,8 @@ Status ScenarioFile::remove(int n, ScenarioRecord *removed)
 Status ScenarioFile::insert(int n, const ScenarioRecord &record)
 {
     const QString what = QStringLiteral("insert record %1 into").arg(n);
+    if (Status writable = ensureWritable(what); !writable.ok())
+        return writable;
     if (n < 1 || n > m_count + 1)
         return failure(what, QStringLiteral("it holds %1 records.").arg(m_count));
     if (m_count >= MaxRecords)
@@ -203,65 +326,80 @@ Status ScenarioFile::insert(int n, const ScenarioRecord &record)
     return rewrite(contents, m_count + 1);
 }
 
-bool ScenarioFile::injectedFailure(RewriteStep step) const
+// A rename is durable only once the directory entry is on disk as well.
+void ScenarioFile::syncDirectory(const QString &directory)
 {
-    return m_failureInjector && m_failureInjector(step);
+    const int fd =
+        m_calls->open(QFile::encodeName(directory), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+    if (fd < 0)
+        return;
+    (void)m_calls->fsync(fd);
+    m_calls->close(fd);
 }
 
 Status ScenarioFile::rewrite(const QByteArray &contents, int newCount)
 {
-    const QString directory = QFileInfo(m_path).absolutePath();
-    const QString scratchPath = QDir(directory).filePath(ScratchName);
-    const QString injected = QStringLiteral("simulated failure");
+    // A list that is a symbolic link keeps its link: the file it leads to is
+    // replaced, next to itself.
+    const QString target = QFileInfo(m_path).canonicalFilePath();
+    if (target.isEmpty())
+        return failure(QStringLiteral("find the file behind"), QStringLiteral("it is gone."));
+    const QString directory = QFileInfo(target).absolutePath();
+    const QByteArray scratchPath = QFile::encodeName(QDir(directory).filePath(ScratchName));
 
-    // Truncating means a scratch file left by a crash is never taken for data.
-    QFile scratch(scratchPath);
+    struct stat info = {};
+    if (m_calls->fstat(m_fd, &info) != 0)
+        return failure(QStringLiteral("read"), systemError());
+    const mode_t mode = info.st_mode & 07777;
+
+    // A scratch file left by a crash is never taken for data, and a link in
+    // its place is never followed.
+    (void)m_calls->unlink(scratchPath);
+    int scratch = m_calls->open(scratchPath, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (scratch < 0)
+        return failure(QStringLiteral("create a scratch file for"), systemError());
     auto discardScratch = qScopeGuard([&] {
-        scratch.close();
-        QFile::remove(scratchPath);
+        const int savedErrno = errno;
+        if (scratch >= 0)
+            m_calls->close(scratch);
+        (void)m_calls->unlink(scratchPath);
+        errno = savedErrno;
     });
-    if (injectedFailure(RewriteStep::OpenScratch))
-        return failure(QStringLiteral("create a scratch file for"), injected);
-    if (!scratch.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return failure(QStringLiteral("create a scratch file for"), scratch.errorString());
-    if (injectedFailure(RewriteStep::WriteScratch))
-        return failure(QStringLiteral("write the new version of"), injected);
-    if (scratch.write(contents) != contents.size() || !scratch.flush())
-        return failure(QStringLiteral("write the new version of"), scratch.errorString());
-    if (injectedFailure(RewriteStep::SyncScratch))
-        return failure(QStringLiteral("save the new version of"), injected);
-    if (!syncHandle(scratch.handle()))
+    // The new version keeps the permissions of the old, whatever the umask.
+    if (m_calls->fchmod(scratch, mode) != 0)
+        return failure(QStringLiteral("set the permissions of the new version of"), systemError());
+    if (!writeAll(scratch, contents, 0))
+        return failure(QStringLiteral("write the new version of"), systemError());
+    if (m_calls->fdatasync(scratch) != 0)
         return failure(QStringLiteral("save the new version of"), systemError());
-    scratch.close();
+    const int written = scratch;
+    scratch = -1;
+    if (m_calls->close(written) != 0)
+        return failure(QStringLiteral("save the new version of"), systemError());
 
-    if (injectedFailure(RewriteStep::CloseList))
-        return failure(QStringLiteral("close"), injected);
-    m_file.reset();
-
-    // The old file is replaced in one step, never deleted first.
-    QString renameError;
-    if (injectedFailure(RewriteStep::Rename))
-        renameError = injected;
-    else if (std::rename(QFile::encodeName(scratchPath).constData(),
-                         QFile::encodeName(m_path).constData()) != 0)
-        renameError = systemError();
-    if (!renameError.isEmpty()) {
-        if (Status reopened = openHandle(); !reopened.ok())
-            return reopened;
-        return failure(QStringLiteral("replace"), renameError);
-    }
+    // The old file is replaced in one step, never deleted or truncated first;
+    // until then it stays open and untouched.
+    if (m_calls->rename(scratchPath, QFile::encodeName(target)) != 0)
+        return failure(QStringLiteral("replace"), systemError());
     discardScratch.dismiss();
     syncDirectory(directory);
 
-    if (injectedFailure(RewriteStep::Reopen)) {
+    // The old handle still reads the replaced file.
+    m_calls->close(m_fd);
+    m_fd = -1;
+    m_count = newCount;
+    const Status reopened = openHandle();
+    if (m_fd < 0) {
+        // The change is made; the next use of the list opens it again.
+        const QString why = m_why;
+        m_access = Access::ReadWrite;
         m_count = newCount;
-        return failure(QStringLiteral("reopen"), injected);
+        m_why.clear();
+        return Status::failure(QStringLiteral("%1 was saved, but could not be opened again (%2). "
+                                              "Quillet tries again at the next change.")
+                                   .arg(displayName(), why));
     }
-    if (Status reopened = openHandle(); !reopened.ok()) {
-        m_count = newCount;
-        return reopened;
-    }
-    return {};
+    return reopened;
 }
 
 } // namespace quillet

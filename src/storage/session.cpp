@@ -1,17 +1,26 @@
 #include "session.h"
 
 #include <QDir>
+#include <QStringList>
+
+#include <utility>
 
 namespace quillet {
 
 Status Session::openDataFiles(const QString &directory)
 {
     const QDir dir(directory);
-    if (Status status =
-            list(ListKind::Investments).file.OpenDataFile(dir.filePath(InvestmentsFileName));
-        !status.ok())
-        return status;
-    return list(ListKind::Loans).file.OpenDataFile(dir.filePath(LoansFileName));
+    // Each list opens as far as it can, so a problem with one never keeps
+    // the other from being used.
+    QStringList problems;
+    for (const auto &[kind, name] : {std::pair(ListKind::Investments, InvestmentsFileName),
+                                     std::pair(ListKind::Loans, LoansFileName)}) {
+        if (const Status status = list(kind).file.OpenDataFile(dir.filePath(name)); !status.ok())
+            problems << status.message();
+    }
+    if (problems.isEmpty())
+        return {};
+    return Status::failure(problems.join(QStringLiteral("\n\n")));
 }
 
 Status Session::readRecord(int n)
@@ -73,6 +82,28 @@ Status Session::deleteSelected()
         return {};
     }
     return readRecord(state.NumRecs());
+}
+
+Status Session::swapRecords(int neighbour, int selected)
+{
+    ScenarioFile &file = current().file;
+    ScenarioRecord moving;
+    if (Status status = file.read(selected, moving); !status.ok())
+        return status;
+    if (Status status = readRecord(neighbour); !status.ok())
+        return status;
+    const ScenarioRecord displaced = WorkingRecord;
+    if (Status status = file.write(neighbour, moving); !status.ok())
+        return status;
+    if (Status status = file.write(selected, displaced); !status.ok()) {
+        // Put the first record back rather than leave it in the list twice.
+        (void)file.write(neighbour, displaced);
+        return status;
+    }
+    // The changes recorded for the two scenarios follow them to their new
+    // places, so an undo never writes one scenario over the other.
+    current().undo.swapRecords(neighbour, selected);
+    return {};
 }
 
 } // namespace quillet

@@ -37,6 +37,8 @@ public:
     Q_DISABLE_COPY_MOVE(Session)
 
     // Opens In.dat and Ln.dat in the directory, creating them when missing.
+    // A list that cannot be written opens read-only, one that cannot be read
+    // as an empty list; the failure then explains which and why.
     Status openDataFiles(const QString &directory);
 
     ListState &list(ListKind kind) { return m_lists.at(listIndex(kind)); }
@@ -56,6 +58,10 @@ public:
     // Deletes the selected record of the list shown and makes the deletion
     // undoable; does nothing without a selection.
     Status deleteSelected();
+    // Swaps two records of the list shown; the working record is left
+    // holding the scenario that was at `neighbour`, now at `selected`. On
+    // failure the file is as it was.
+    Status swapRecords(int neighbour, int selected);
 
     ListKind CurList = ListKind::Investments;
     bool InvMode = false;

@@ -22,4 +22,24 @@ void UndoHistory::dropNewest()
     --m_undoCount;
 }
 
+void UndoHistory::swapRecords(int first, int second)
+{
+    // Entries are kept in the record numbers of their own time: going from
+    // the newest to older ones, each deleted record was still in the list,
+    // one place before the records that followed it.
+    for (int i = 1; i <= m_undoCount; ++i) {
+        UndoEntry &entry = UndoStack.at(i);
+        if (entry.Deleted != 0) {
+            if (first >= entry.RecNo)
+                ++first;
+            if (second >= entry.RecNo)
+                ++second;
+        } else if (entry.RecNo == first) {
+            entry.RecNo = static_cast<qint16>(second);
+        } else if (entry.RecNo == second) {
+            entry.RecNo = static_cast<qint16>(first);
+        }
+    }
+}
+
 } // namespace quillet

@@ -29,6 +29,9 @@ public:
     const UndoEntry &newest() const { return UndoStack[1]; }
     // Forgets slot 1 once it has been undone.
     void dropNewest();
+    // Two records of the list have swapped places: the changes recorded for
+    // them follow them.
+    void swapRecords(int first, int second);
 
     int UndoCount() const { return m_undoCount; }
     const UndoEntry &slot(int i) const { return UndoStack.at(i); }

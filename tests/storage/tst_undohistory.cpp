@@ -1,3 +1,4 @@
+#include "recordingfilecalls.h"
 #include "session.h"
 #include "testfiles.h"
 #include "undohistory.h"
@@ -46,6 +47,10 @@ private slots:
     void undoWithAnEmptyHistoryDoesNothing();
     void undoThatCannotBeWrittenKeepsTheHistory();
     void pushingTakesTopRowAndSelectionOfTheListShown();
+    void changesFollowTheirScenarioWhenTwoRecordsSwap();
+    void changesOlderThanADeleteFollowTheirScenarioAcrossIt();
+    void failedSwapLeavesFileAndHistoryAsTheyWere();
+    void deleteWhoseReopenFailsIsStillUndoable();
 };
 
 void TestUndoHistory::historyStartsEmpty()
@@ -192,8 +197,9 @@ void TestUndoHistory::undoThatCannotBeWrittenKeepsTheHistory()
     QVERIFY(openSession(session, {1, 2, 3}));
     session.current().SelRow = 3;
     QVERIFY(session.deleteSelected().ok());
-    session.current().file.setFailureInjector(
-        [](ScenarioFile::RewriteStep step) { return step == ScenarioFile::RewriteStep::Rename; });
+    RecordingFileCalls calls;
+    calls.failing = QStringList{QStringLiteral("rename tmpil.dat In.dat")};
+    session.current().file.setCalls(&calls);
 
     const Status status = session.PopUndo();
     QVERIFY(!status.ok());
@@ -202,7 +208,7 @@ void TestUndoHistory::undoThatCannotBeWrittenKeepsTheHistory()
     QCOMPARE(session.current().undo.UndoCount(), 1);
     QCOMPARE(session.current().SelRow, qint16(0));
 
-    session.current().file.setFailureInjector({});
+    calls.failing.clear();
     QVERIFY(session.PopUndo().ok());
     QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 2, 3}));
     QCOMPARE(session.current().SelRow, qint16(3));
@@ -222,6 +228,103 @@ void TestUndoHistory::pushingTakesTopRowAndSelectionOfTheListShown()
     QCOMPARE(entry.Deleted, qint16(0));
     QCOMPARE(encodeRecord(entry.record), encodeRecord(sampleRecord(3)));
     QCOMPARE(session.list(ListKind::Investments).undo.UndoCount(), 0);
+}
+
+void TestUndoHistory::changesFollowTheirScenarioWhenTwoRecordsSwap()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    Session session;
+    QVERIFY(openSession(session, {1, 2}));
+    // Record 1 is changed, then moved down: its change goes with it.
+    QVERIFY(changePayment(session, 1, 11.0));
+    ScenarioRecord changedOne = sampleRecord(1);
+    changedOne.Payment = 11.0;
+    QVERIFY(session.swapRecords(2, 1).ok());
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")),
+             encodeRecord(sampleRecord(2)) + encodeRecord(changedOne));
+    QCOMPARE(session.current().undo.newest().RecNo, qint16(2));
+    // The working record holds the scenario that moved the other way.
+    QCOMPARE(encodeRecord(session.WorkingRecord), encodeRecord(sampleRecord(2)));
+
+    QVERIFY(session.PopUndo().ok());
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({2, 1}));
+}
+
+void TestUndoHistory::changesOlderThanADeleteFollowTheirScenarioAcrossIt()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    Session session;
+    QVERIFY(openSession(session, {1, 2, 3}));
+    QVERIFY(changePayment(session, 3, 33.0)); // scenario 3 changed while it is record 3
+    session.current().SelRow = 1;
+    QVERIFY(session.deleteSelected().ok());  // now 2, 3'
+    QVERIFY(session.swapRecords(1, 2).ok()); // now 3', 2
+
+    QVERIFY(session.PopUndo().ok()); // scenario 1 back in front: 1, 3', 2
+    ScenarioRecord changedThree = sampleRecord(3);
+    changedThree.Payment = 33.0;
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), encodeRecord(sampleRecord(1)) +
+                                                      encodeRecord(changedThree) +
+                                                      encodeRecord(sampleRecord(2)));
+    QVERIFY(session.PopUndo().ok()); // scenario 3 as it was, in its own place
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 3, 2}));
+}
+
+void TestUndoHistory::failedSwapLeavesFileAndHistoryAsTheyWere()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    Session session;
+    QVERIFY(openSession(session, {1, 2}));
+    QVERIFY(changePayment(session, 1, 11.0));
+    const QByteArray before = fileBytes(QStringLiteral("In.dat"));
+    RecordingFileCalls calls;
+    calls.failing = QStringList{QStringLiteral("fdatasync In.dat")};
+    session.current().file.setCalls(&calls);
+
+    const Status status = session.swapRecords(2, 1);
+    QVERIFY(!status.ok());
+    QCOMPARE(status.message(),
+             QStringLiteral("Could not write record 2 of In.dat: Input/output error"));
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), before);
+    QCOMPARE(session.current().undo.newest().RecNo, qint16(1));
+
+    calls.failing.clear();
+    QVERIFY(session.PopUndo().ok());
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 2}));
+}
+
+void TestUndoHistory::deleteWhoseReopenFailsIsStillUndoable()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    Session session;
+    QVERIFY(openSession(session, {1, 2, 3}));
+    RecordingFileCalls calls;
+    // The list file cannot be opened again once it has been replaced.
+    calls.failing =
+        QStringList{QStringLiteral("open In.dat"), QStringLiteral("open In.dat read-only")};
+    session.current().file.setCalls(&calls);
+    session.current().SelRow = 2;
+
+    const Status status = session.deleteSelected();
+    QVERIFY(!status.ok());
+    QCOMPARE(status.message(),
+             QStringLiteral("In.dat was saved, but could not be opened again (Input/output "
+                            "error). Quillet tries again at the next change."));
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 3}));
+    QCOMPARE(session.current().NumRecs(), 2);
+    QCOMPARE(session.current().undo.UndoCount(), 1);
+    QCOMPARE(session.current().SelRow, qint16(0));
+
+    // Once the file opens again the delete is undone as any other.
+    calls.failing.clear();
+    QVERIFY(session.PopUndo().ok());
+    QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 2, 3}));
+    QCOMPARE(session.current().NumRecs(), 3);
+    QCOMPARE(session.current().SelRow, qint16(2));
 }
 
 QTEST_GUILESS_MAIN(TestUndoHistory)
