@@ -3,7 +3,9 @@
 #include "fonts.h"
 #include "mainwindow.h"
 #include "messages.h"
+#include "schedulewindows.h"
 #include "session.h"
+#include "signalcloser.h"
 
 #include <QApplication>
 #include <QDir>
@@ -49,11 +51,16 @@ int runQuillet()
 
     Session session;
     MainWindow window(session);
+    ScheduleWindows schedules(session, &window);
+    window.setScheduleOpener(
+        [&schedules](ListKind list, int record) { schedules.open(list, record); });
     if (const Status status = window.Form_Load(); !status.ok()) {
         showStartupProblem(status.message());
         return 1;
     }
     window.show();
+    // A logout or shutdown closes the window as the user would.
+    SignalCloser closer;
     return QApplication::exec();
 }
 

@@ -33,15 +33,28 @@ public:
     void setBold(bool bold);
     bool isBold() const { return font().bold(); }
 
+    // The column's tool tip. While the text is wider than the cell, the tip
+    // and the accessible description also give the whole text.
+    void setFieldToolTip(const QString &tip);
+    // Whether the whole text shows at rest; what the cell shows when it does
+    // not: the text elided with "…" on the side that is cut.
+    bool textFits() const;
+    QString shownText() const;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    QRect textArea() const;
+    void updateOverflow();
+
     GridColumn m_column;
     int m_row;
     bool m_dataChanged = false;
     bool m_editLook = false;
     QColor m_background;
+    QString m_fieldToolTip;
 };
 
 } // namespace quillet

@@ -16,7 +16,9 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QToolButton>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <map>
@@ -190,6 +192,7 @@ void MainWindow::buildCommandBar()
     connect(MoveUp, &QToolButton::clicked, this, &MainWindow::MoveUp_Click);
     connect(MoveDown, &QToolButton::clicked, this, &MainWindow::MoveDown_Click);
     connect(cmdExit, &QToolButton::clicked, this, &MainWindow::cmdExit_Click);
+    connect(Amort, &QToolButton::clicked, this, &MainWindow::Amort_Click);
     connect(Print, &QToolButton::clicked, this, &MainWindow::Print_Click);
 }
 
@@ -229,6 +232,7 @@ void MainWindow::buildGrid()
             selector->setGeometry(pixelRect(SelLeft, rowTop(index), SelWidth, RowHeight));
             selector->setToolTip((index == 1 ? FirstSelToolTip : SelToolTip).toString());
             connect(selector, &QPushButton::clicked, this, [this, index] { Sel_Click(index); });
+            selector->installEventFilter(this);
         }
         Sel[index] = selector;
     }
@@ -309,8 +313,9 @@ void MainWindow::setTabOrder()
 
 Status MainWindow::Form_Load()
 {
-    if (Status status = m_session.openDataFiles(QDir::currentPath()); !status.ok())
-        return status;
+    // A list that cannot be written, or read, is explained once; the window
+    // opens all the same, with the other list working as usual.
+    const Status opened = m_session.openDataFiles(QDir::currentPath());
     m_session.StateFlags = 0;
     for (const ListKind list : {ListKind::Investments, ListKind::Loans}) {
         m_session.list(list).TopRow = 1;
@@ -326,6 +331,8 @@ Status MainWindow::Form_Load()
     }
     DispRows();
     showHelp(GeneralHelp());
+    if (!opened.ok())
+        reportProblem(opened.message());
     return {};
 }
 
@@ -337,19 +344,14 @@ void MainWindow::Form_Activate()
 void MainWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    if (!m_activated) {
-        m_activated = true;
-        Form_Activate();
-    }
+    Form_Activate();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     // Closing the window leaves the cell being edited: its edit is saved as
     // when any other control takes the focus.
-    if (auto *cell = qobject_cast<GridCell *>(QApplication::focusWidget());
-        cell && cell->window() == this && cell->hasEditLook())
-        cell_LostFocus(cell);
+    endEdit();
     QWidget::closeEvent(event);
 }
 
@@ -382,7 +384,7 @@ void MainWindow::SwitchTo(const QString &name)
         column[0]->setColours(listColour, systemColour(QPalette::Text));
         const QString tip = FieldTip(layout.column, session.CurList);
         for (GridCell *cell : column) {
-            cell->setToolTip(tip);
+            cell->setFieldToolTip(tip);
             updateAccessibleName(cell);
         }
     }
@@ -390,10 +392,15 @@ void MainWindow::SwitchTo(const QString &name)
 
 void MainWindow::DoVerticalScroll()
 {
-    const int records = m_session.current().NumRecs();
+    const ListState &list = m_session.current();
+    const int records = list.NumRecs();
     if (records > RowCount) {
+        // Each list keeps its own top row: a new range must not move it, and
+        // the thumb shows where the list shown stands.
+        const QSignalBlocker quiet(VScroll1);
         VScroll1->setRange(1, records - (RowCount - 1));
         VScroll1->setPageStep(RowCount);
+        VScroll1->setValue(list.TopRow);
         VScroll1->show();
     } else {
         VScroll1->hide();
@@ -402,8 +409,25 @@ void MainWindow::DoVerticalScroll()
 
 void MainWindow::VScroll1_Change(int value)
 {
+    // What was typed belongs to the record under the cell now, before the
+    // rows move.
+    endEdit();
     m_session.current().TopRow = static_cast<qint16>(value);
     DispRows();
+}
+
+void MainWindow::wheelEvent(QWheelEvent *event)
+{
+    // The wheel anywhere over the grid turns the list as over its scroll bar.
+    if (VScroll1->isHidden()) {
+        event->ignore();
+        return;
+    }
+    QWheelEvent turned(VScroll1->mapFromGlobal(event->globalPosition()), event->globalPosition(),
+                       event->pixelDelta(), event->angleDelta(), event->buttons(),
+                       event->modifiers(), event->phase(), event->inverted(), event->source());
+    QCoreApplication::sendEvent(VScroll1, &turned);
+    event->setAccepted(turned.isAccepted());
 }
 
 void MainWindow::DispRows()
@@ -422,6 +446,9 @@ void MainWindow::DispRows()
             DispRow(row);
         }
     }
+    // A row below the last record shows nothing, so no selector number is
+    // shown twice after a delete in a scrolled list.
+    clearRowsAfterLastRecord();
     EnableButtons();
     doFocus();
 }
@@ -453,7 +480,7 @@ void MainWindow::DispRow(int k)
             m_solved.fieldText(record, fieldOf(column), m_session.InvMode, m_session.StateFlags);
         GridCell *cell = cells(column)[k];
         cell->setText(shown.text);
-        cell->setBold(shown.bold());
+        cell->setBold(shown.computed);
     }
     PerYear[k]->setText(record.PerYear == BlankPerYear ? QString()
                                                        : QString::number(record.PerYear));
@@ -558,6 +585,12 @@ bool MainWindow::handlesRow(int k) const
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::Wheel && watched != VScroll1) {
+        // The wheel over any part of the grid turns the list; a cell being
+        // edited is left first (VScroll1_Change).
+        wheelEvent(static_cast<QWheelEvent *>(event));
+        return true;
+    }
     auto *cell = qobject_cast<GridCell *>(watched);
     if (!cell)
         return QWidget::eventFilter(watched, event);
@@ -586,6 +619,7 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
             cell_LostFocus(cell);
         break;
     }
+
     default:
         break;
     }
@@ -612,11 +646,15 @@ void MainWindow::cell_Click(GridCell *cell)
         EnableButtons();
     }
     cell->setEditLook(true);
+    m_editing = cell;
     const QString shown = cell->text();
     if (!readRecord(list.TopRow + k - 1))
         return;
     const EditingText editing = editingText(cell->column(), m_session.WorkingRecord, shown);
     cell->setText(editing.text);
+    // Digits typed into a rate land before its percent sign.
+    if (cell->column() == GridColumn::Yield && editing.text.endsWith(u'%'))
+        cell->setCursorPosition(static_cast<int>(editing.text.size()) - 1);
     if (editing.clearChangedFlag)
         cell->setDataChanged(false);
 }
@@ -655,6 +693,11 @@ void MainWindow::cell_LostFocus(GridCell *cell)
         showHelp(GeneralHelp());
         return;
     }
+    // An edit ends once: a cell already left (say, when a scroll ended its
+    // edit) has nothing of the user's in it any more.
+    if (cell != m_editing)
+        return;
+    m_editing = nullptr;
     const int record = m_session.current().TopRow + k - 1;
     if (readRecord(record) && cell->DataChanged())
         saveCell(cell, record);
@@ -716,8 +759,8 @@ void MainWindow::Delete_Click()
         return;
     if (const Status status = m_session.deleteSelected(); !status.ok())
         reportProblem(status.message());
+    // DispRows also clears the rows left without a record.
     DispRows();
-    clearRowsAfterLastRecord();
 }
 
 void MainWindow::clearRowsAfterLastRecord()
@@ -757,23 +800,16 @@ void MainWindow::MoveDown_Click()
 
 bool MainWindow::swapRecords(int neighbour, int selected)
 {
-    ScenarioFile &file = m_session.current().file;
-    ScenarioRecord moving;
-    if (const Status status = file.read(selected, moving); !status.ok()) {
+    const Status status = m_session.swapRecords(neighbour, selected);
+    if (!status.ok())
         reportProblem(status.message());
-        return false;
-    }
-    if (!readRecord(neighbour))
-        return false;
-    const ScenarioRecord displaced = m_session.WorkingRecord;
-    if (!writeRecord(neighbour, moving))
-        return false;
-    if (!writeRecord(selected, displaced)) {
-        // Put the first record back rather than leave it in the list twice.
-        (void)file.write(neighbour, displaced);
-        return false;
-    }
-    return true;
+    return status.ok();
+}
+
+void MainWindow::endEdit()
+{
+    if (m_editing)
+        cell_LostFocus(m_editing);
 }
 
 bool MainWindow::roomForOneMore()
@@ -793,6 +829,20 @@ void MainWindow::Undo_Click()
     DispRows();
 }
 
+void MainWindow::Amort_Click()
+{
+    const ListState &list = m_session.current();
+    const int selected = list.SelRow;
+    if (selected == 0 || !m_scheduleOpener)
+        return;
+    m_scheduleOpener(m_session.CurList, selected);
+    // The scenario may have been edited in the schedule window.
+    if (readRecord(selected))
+        DispRow(selected - list.TopRow + 1);
+    // Coming back from the schedule window activates this one again.
+    Form_Activate();
+}
+
 void MainWindow::showHelp(const QString &text)
 {
     m_helpText = text;
@@ -809,7 +859,8 @@ void MainWindow::updateAccessibleName(GridCell *cell)
     const QString header = cells(cell->column())[0]->text();
     QString name = QStringLiteral("%1, row %2").arg(header).arg(row);
     if (cell->isBold())
-        name += QStringLiteral(", calculated");
+        name += cell->text().isEmpty() ? QStringLiteral(", calculated, no value")
+                                       : QStringLiteral(", calculated");
     cell->setAccessibleName(name);
 }
 

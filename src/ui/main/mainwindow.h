@@ -21,6 +21,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <memory>
 
 class QLabel;
@@ -56,12 +57,19 @@ public:
 
     const CellColumn &cells(GridColumn column) const;
 
+    // Shows the schedule of a record of a list, modally, and returns when it
+    // is closed. The schedule windows live above this window's library, so
+    // the program hands their opener in; without one, Amortize does nothing.
+    using ScheduleOpener = std::function<void(ListKind list, int record)>;
+    void setScheduleOpener(ScheduleOpener opener) { m_scheduleOpener = std::move(opener); }
+
     // The printer and dialogs Print uses; tests answer them instead of a person.
     void setPrintSeams(PrintSeams seams) { m_printSeams = std::move(seams); }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -84,12 +92,15 @@ private:
     void MoveUp_Click();
     void MoveDown_Click();
     void Undo_Click();
+    void Amort_Click();
     void Print_Click();
 
     void cell_Click(GridCell *cell);
     bool cell_KeyPress(GridCell *cell, const QKeyEvent *event);
     void cell_LostFocus(GridCell *cell);
     void saveCell(GridCell *cell, int record);
+    // Ends the edit of the cell being edited, if any, as leaving it does.
+    void endEdit();
     bool handlesRow(int k) const;
 
     bool readRecord(int n);
@@ -104,9 +115,10 @@ private:
     Session &m_session;
     std::unique_ptr<TextMeasure> m_measure;
     SolveCache m_solved;
+    ScheduleOpener m_scheduleOpener;
     PrintSeams m_printSeams = PrintSeams::system();
-    bool m_activated = false;
     QString m_helpText;
+    GridCell *m_editing = nullptr; // the cell in the edit look, if any
 
     std::array<CellColumn, GridColumnCount> m_columns{};
     CellColumn &Desc;

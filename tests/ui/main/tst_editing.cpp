@@ -1,11 +1,12 @@
 #include "fonts.h"
-#include "helptexts.h"
 #include "mainwindowfixture.h"
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QLabel>
 #include <QTest>
+
+#include <cerrno>
 
 using namespace quillet;
 using namespace quillet::test;
@@ -25,6 +26,34 @@ int recordsOnDisk(const QString &fileName)
 
 const QString InDat = QStringLiteral("In.dat");
 const QString LnDat = QStringLiteral("Ln.dat");
+
+// The help box while no cell is edited.
+const QString GeneralHelpShown =
+    QStringLiteral("Click in the fields of the variables that are known to enter values and "
+                   "see more specific help about each field.  The program will calculate and "
+                   "display in bold the value that is left blank.\n\nAlso, you may click on "
+                   "the row number to the left of an item you wish to copy, delete, move or "
+                   "see an amortization schedule.");
+
+// The real file calls, except that one write into a list file fails.
+class OneFailingWrite final : public FileCalls
+{
+public:
+    explicit OneFailingWrite(int failing) : m_failing(failing) {}
+
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        if (++m_writes == m_failing) {
+            errno = EIO;
+            return -1;
+        }
+        return FileCalls::pwrite(fd, data, size, offset);
+    }
+
+private:
+    int m_failing;
+    int m_writes = 0;
+};
 
 } // namespace
 
@@ -62,7 +91,13 @@ private slots:
     void cellsOfEmptyRowsCannotBeEdited();
     void closingTheWindowSavesTheCellBeingEdited();
     void exitSavesTheCellBeingEdited();
-    void failedDeleteIsExplainedAndChangesNothing();
+    void tabIntoACellStartsAnEditAsAClickDoes();
+    void tabIntoACellOfAnEmptyRowStartsNothing();
+    void blankYearsLeftAloneStaysBlankAndSolved();
+    void blankYearsTypedIntoIsStored();
+    void blankPerYearLeftAloneStaysBlank();
+    void blankPerYearTypedIntoIsStored();
+    void textThatIsNoNumberInPerYearIsRefusedWithoutWriting();
 
     void addNewOnAnEmptyListGivesOneBlankRow();
     void addingTheFifteenthRecordShowsNoScrollBarUntilTheListIsShownAgain();
@@ -74,6 +109,8 @@ private slots:
     void deletingInAScrolledListClearsRowsWithoutRecords();
     void moveUpSwapsWithThePreviousRecordAndFollowsTheSelection();
     void moveDownSwapsWithTheNextRecordAndStopsAtTheLast();
+    void moveWhoseSecondWriteFailsPutsTheFirstBack_data();
+    void moveWhoseSecondWriteFailsPutsTheFirstBack();
 
     void undoOfAChangedFieldWritesTheOldRecordBack();
     void undoOfADeletedRecordPutsItBackWithTheSelection();
@@ -124,7 +161,18 @@ void TestEditing::typicalEditEndToEnd()
     QTest::mouseClick(payment, Qt::LeftButton);
     QVERIFY(payment->hasEditLook());
     QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(),
-             FieldHelp(GridColumn::Payment, ListKind::Investments));
+             QStringLiteral("This is the amount you add to (or withdraw from) your investment "
+                            "each period.  If you do it monthly, then you must set the "
+                            "Payments Per Year (PPY) to 12.  If you do it just once a year "
+                            "then set the PPY to 1.  (If you don't fill in the PPY the program "
+                            "will assume it is 1.)  If you leave the Payment blank, then after "
+                            "you fill in the other values, the program will calculate the "
+                            "amount you must add to your investment each period (or that you "
+                            "can withdraw from your investment each period) to achieve the "
+                            "Future Value in the number of years given.  If you also leave "
+                            "another value blank in addition to this one, then the program "
+                            "will assume that there are no contributions to the Initial Amount "
+                            "and will calculate the other value that was left blank."));
     QCOMPARE(payment->text(), QString());
     QTest::keyClicks(payment, QStringLiteral("150"));
     QTest::keyClick(payment, Qt::Key_Return);
@@ -143,7 +191,7 @@ void TestEditing::typicalEditEndToEnd()
     QCOMPARE(fixture.cell(QStringLiteral("FutureValue"), 3)->text(), QStringLiteral("$40,000.00 "));
     QVERIFY(!fixture.cell(QStringLiteral("FutureValue"), 3)->isBold());
     QVERIFY(fixture.command(QStringLiteral("Undo"))->isEnabled());
-    QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(), helpBoxText(GeneralHelp()));
+    QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(), GeneralHelpShown);
     QCOMPARE(recordOnDisk(InDat, 1), records[0]);
     QVERIFY(fixture.boxes().texts().isEmpty());
 }
@@ -160,7 +208,9 @@ void TestEditing::clickingACellGivesItTheEditLookAndItsHelp()
     QCOMPARE(years->text(), QStringLiteral("30"));
     QVERIFY(!years->DataChanged());
     QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(),
-             FieldHelp(GridColumn::Years, ListKind::Loans));
+             QStringLiteral("This is the number of years in the loan.  If you leave this "
+                            "blank, then after you fill in the other values, the program will "
+                            "calculate the amount of time required to pay off the loan."));
     QVERIFY(fixture.session().StateFlags & 2);
 
     QTest::keyClick(years, Qt::Key_Return);
@@ -405,7 +455,7 @@ void TestEditing::totalInterestOfALoanCannotBeTypedInto()
     QCOMPARE(interest->text(), shown);
     QCOMPARE(fixture.fileBytes(LnDat), before);
     QCOMPARE(fixture.session().current().undo.UndoCount(), 0);
-    QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(), helpBoxText(GeneralHelp()));
+    QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(), GeneralHelpShown);
 }
 
 void TestEditing::clickingACellEndsARowSelection()
@@ -460,33 +510,154 @@ void TestEditing::exitSavesTheCellBeingEdited()
     QVERIFY(recordOnDisk(InDat, 1).Payment == 125.0);
 }
 
-void TestEditing::failedDeleteIsExplainedAndChangesNothing()
+void TestEditing::tabIntoACellStartsAnEditAsAClickDoes()
 {
     MainWindowFixture fixture;
-    QVERIFY(fixture.start(numberedRecords(3)));
-    const QByteArray before = fixture.fileBytes(InDat);
-    fixture.session().current().file.setFailureInjector(
-        [](ScenarioFile::RewriteStep step) { return step == ScenarioFile::RewriteStep::Rename; });
-    QTest::mouseClick(fixture.sel(2), Qt::LeftButton);
-    fixture.boxes().expect();
-    QTest::mouseClick(fixture.command(QStringLiteral("Delete")), Qt::LeftButton);
-    QCOMPARE(fixture.boxes().texts().size(), 1);
-    QVERIFY2(fixture.boxes().texts().constFirst().contains(InDat),
-             qPrintable(fixture.boxes().texts().constFirst()));
-    QCOMPARE(fixture.boxes().titles().constFirst(), QStringLiteral("Quillet"));
-    QCOMPARE(fixture.fileBytes(InDat), before);
-    QVERIFY(!QFileInfo::exists(QStringLiteral("tmpil.dat")));
-    QCOMPARE(fixture.session().current().undo.UndoCount(), 0);
-    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 2)->text(), QStringLiteral("Plan 2"));
-    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 3)->text(), QStringLiteral("Plan 3"));
+    QVERIFY(fixture.start({retirement(), retirement(QStringLiteral("Second"))}));
+    auto *help = fixture.find<QLabel>(QStringLiteral("HelpBox"));
+    GridCell *first = fixture.cell(QStringLiteral("Years"), 1);
+    GridCell *second = fixture.cell(QStringLiteral("Years"), 2);
+    QTest::mouseClick(first, Qt::LeftButton);
+    QTest::keyClick(first, Qt::Key_Tab);
 
-    // The selection stays, and the same delete succeeds once the trouble is gone.
-    QCOMPARE(fixture.session().current().SelRow, qint16(2));
-    QVERIFY(fixture.command(QStringLiteral("Delete"))->isEnabled());
-    fixture.session().current().file.setFailureInjector({});
-    QTest::mouseClick(fixture.command(QStringLiteral("Delete")), Qt::LeftButton);
-    QCOMPARE(recordsOnDisk(InDat), 2);
-    QCOMPARE(fixture.cell(QStringLiteral("Desc"), 2)->text(), QStringLiteral("Plan 3"));
+    QCOMPARE(QApplication::focusWidget(), second);
+    QVERIFY(second->hasEditLook());
+    QCOMPARE(second->text(), QStringLiteral("10"));
+    QVERIFY(!second->DataChanged());
+    QCOMPARE(help->text(),
+             QStringLiteral("This is the number of years for the investment to grow.  "
+                            "If you leave it blank, then after you fill in the other "
+                            "values, the program will calculate the amount of time "
+                            "required to reach the given Future Value.  To calculate "
+                            "this value, it is not necessary to have both an Initial "
+                            "Amount and a Payment.  You may leave one or the other "
+                            "blank.  However, many scenarios will involve both a "
+                            "starting amount and periodic contributions."));
+    QVERIFY(!first->hasEditLook());
+    QCOMPARE(first->text(), QStringLiteral("10.0 "));
+
+    QTest::keyClick(second, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(second, QStringLiteral("20"));
+    QTest::keyClick(second, Qt::Key_Return);
+    QVERIFY(recordOnDisk(InDat, 2).Years == 20.0);
+    QVERIFY(recordOnDisk(InDat, 1).Years == 10.0);
+    QCOMPARE(second->text(), QStringLiteral("20.0 "));
+    QCOMPARE(help->text(), GeneralHelpShown);
+
+    // Back with Shift+Tab: the same.
+    QTest::mouseClick(second, Qt::LeftButton);
+    QTest::keyClick(second, Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(QApplication::focusWidget(), first);
+    QVERIFY(first->hasEditLook());
+    QVERIFY(!second->hasEditLook());
+    QCOMPARE(first->text(), QStringLiteral("10"));
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 1);
+}
+
+void TestEditing::tabIntoACellOfAnEmptyRowStartsNothing()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({retirement()}));
+    GridCell *last = fixture.cell(QStringLiteral("Payment"), 1);
+    GridCell *empty = fixture.cell(QStringLiteral("Payment"), 2);
+    QTest::mouseClick(last, Qt::LeftButton);
+    QTest::keyClick(last, Qt::Key_Tab);
+    QVERIFY(!empty->hasEditLook());
+    QCOMPARE(empty->text(), QString());
+    QCOMPARE(fixture.find<QLabel>(QStringLiteral("HelpBox"))->text(), GeneralHelpShown);
+    QTest::keyClicks(empty, QStringLiteral("5"));
+    QCOMPARE(empty->text(), QString());
+    QCOMPARE(recordsOnDisk(InDat), 1);
+}
+
+void TestEditing::blankYearsLeftAloneStaysBlankAndSolved()
+{
+    ScenarioRecord record = retirement();
+    record.Years = BlankValue;
+    record.FutureValue = 30000;
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({record}));
+    const QByteArray before = fixture.fileBytes(InDat);
+    GridCell *years = fixture.cell(QStringLiteral("Years"), 1);
+    const QString solved = years->text();
+    QCOMPARE(solved, QStringLiteral("XXYEARS"));
+    QVERIFY(years->isBold());
+    QTest::mouseClick(years, Qt::LeftButton);
+    QCOMPARE(years->text(), QString());
+    QTest::keyClick(years, Qt::Key_Return);
+
+    // The emptied text counts as a change: the blank is stored again.
+    QCOMPARE(fixture.fileBytes(InDat), before);
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 1);
+    QCOMPARE(years->text(), solved);
+    QVERIFY(years->isBold());
+}
+
+void TestEditing::blankYearsTypedIntoIsStored()
+{
+    ScenarioRecord record = retirement();
+    record.Years = BlankValue;
+    record.FutureValue = 30000;
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({record}));
+    GridCell *years = fixture.cell(QStringLiteral("Years"), 1);
+    typeInto(years, QStringLiteral("7.5"));
+    ScenarioRecord expected = record;
+    expected.Years = 7.5;
+    QCOMPARE(encodeRecord(recordOnDisk(InDat, 1)), encodeRecord(expected));
+    QCOMPARE(years->text(), QStringLiteral("7.5 "));
+    QVERIFY(!years->isBold());
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 1);
+    QCOMPARE(encodeRecord(fixture.session().current().undo.newest().record), encodeRecord(record));
+}
+
+void TestEditing::blankPerYearLeftAloneStaysBlank()
+{
+    ScenarioRecord record = retirement();
+    record.PerYear = BlankPerYear;
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({record}));
+    const QByteArray before = fixture.fileBytes(InDat);
+    GridCell *perYear = fixture.cell(QStringLiteral("PerYear"), 1);
+    QTest::mouseClick(perYear, Qt::LeftButton);
+    QVERIFY(perYear->hasEditLook());
+    QCOMPARE(perYear->text(), QString());
+    QTest::keyClick(perYear, Qt::Key_Return);
+    QCOMPARE(fixture.fileBytes(InDat), before);
+    QCOMPARE(perYear->text(), QString());
+    QVERIFY(!perYear->isBold());
+    QVERIFY(!perYear->hasEditLook());
+}
+
+void TestEditing::blankPerYearTypedIntoIsStored()
+{
+    ScenarioRecord record = retirement();
+    record.PerYear = BlankPerYear;
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({record}));
+    typeInto(fixture.cell(QStringLiteral("PerYear"), 1), QStringLiteral("4"));
+    ScenarioRecord expected = record;
+    expected.PerYear = 4;
+    QCOMPARE(encodeRecord(recordOnDisk(InDat, 1)), encodeRecord(expected));
+    QCOMPARE(fixture.cell(QStringLiteral("PerYear"), 1)->text(), QStringLiteral("4"));
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 1);
+    QCOMPARE(encodeRecord(fixture.session().current().undo.newest().record), encodeRecord(record));
+}
+
+void TestEditing::textThatIsNoNumberInPerYearIsRefusedWithoutWriting()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({retirement()}));
+    const QByteArray before = fixture.fileBytes(InDat);
+    fixture.boxes().expect();
+    typeInto(fixture.cell(QStringLiteral("PerYear"), 1), QStringLiteral("monthly"));
+    QCOMPARE(fixture.boxes().texts(),
+             QStringList{QStringLiteral("Error, \"monthly\" is not a number")});
+    QCOMPARE(fixture.boxes().titles(), QStringList{QStringLiteral("Quillet")});
+    QCOMPARE(fixture.fileBytes(InDat), before);
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 0);
+    QVERIFY(!fixture.command(QStringLiteral("Undo"))->isEnabled());
+    QCOMPARE(fixture.cell(QStringLiteral("PerYear"), 1)->text(), QStringLiteral("12"));
 }
 
 void TestEditing::addNewOnAnEmptyListGivesOneBlankRow()
@@ -669,6 +840,45 @@ void TestEditing::moveDownSwapsWithTheNextRecordAndStopsAtTheLast()
     QCOMPARE(fixture.cell(QStringLiteral("Desc"), 3)->text(), QStringLiteral("Plan 2"));
     QTest::mouseClick(fixture.command(QStringLiteral("MoveDown")), Qt::LeftButton);
     QCOMPARE(fixture.fileBytes(InDat), recordsBytes({records[0], records[2], records[1]}));
+}
+
+void TestEditing::moveWhoseSecondWriteFailsPutsTheFirstBack_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("move up") << QStringLiteral("MoveUp");
+    QTest::newRow("move down") << QStringLiteral("MoveDown");
+}
+
+void TestEditing::moveWhoseSecondWriteFailsPutsTheFirstBack()
+{
+    QFETCH(QString, command);
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start(numberedRecords(3)));
+    const QByteArray before = fixture.fileBytes(InDat);
+    QTest::mouseClick(fixture.sel(2), Qt::LeftButton);
+
+    // The neighbour is written first, then the selected record: that fails.
+    OneFailingWrite calls(2);
+    fixture.session().current().file.setCalls(&calls);
+    fixture.boxes().expect();
+    QTest::mouseClick(fixture.command(command), Qt::LeftButton);
+    QCOMPARE(fixture.boxes().texts(),
+             QStringList{QStringLiteral("Could not write record 2 of In.dat: Input/output error")});
+    QCOMPARE(fixture.boxes().titles(), QStringList{QStringLiteral("Quillet")});
+    QCOMPARE(fixture.fileBytes(InDat), before);
+    QCOMPARE(fixture.session().current().SelRow, qint16(2));
+    for (int row = 1; row <= 3; ++row)
+        QCOMPARE(fixture.cell(QStringLiteral("Desc"), row)->text(),
+                 QStringLiteral("Plan %1").arg(row));
+    QCOMPARE(fixture.session().current().undo.UndoCount(), 0);
+
+    // The same move works once the trouble is gone.
+    fixture.session().current().file.setCalls(nullptr);
+    QTest::mouseClick(fixture.command(command), Qt::LeftButton);
+    const std::vector<ScenarioRecord> records = numberedRecords(3);
+    QCOMPARE(fixture.fileBytes(InDat), command == QStringLiteral("MoveUp")
+                                           ? recordsBytes({records[1], records[0], records[2]})
+                                           : recordsBytes({records[0], records[2], records[1]}));
 }
 
 void TestEditing::undoOfAChangedFieldWritesTheOldRecordBack()
