@@ -40,16 +40,23 @@ quillet_install_packages() {
     quillet_as_root apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Quiet when it succeeds; the whole log when it does not.
+# The configuration is quiet unless it fails; the build shows Ninja's
+# progress, [done/total] a step, so a long build never looks like a hang.
 quillet_build() {
     local log
     log=$(mktemp)
-    if ! { cmake -S "$QUILLET_ROOT" -B "$QUILLET_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo &&
-        cmake --build "$QUILLET_BUILD"; } >"$log" 2>&1; then
+    echo "Configuring the build in $QUILLET_BUILD"
+    if ! cmake -S "$QUILLET_ROOT" -B "$QUILLET_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        >"$log" 2>&1; then
         cat "$log" >&2
         rm -f "$log"
-        echo "The build failed." >&2
+        echo "The build could not be configured." >&2
         return 1
     fi
     rm -f "$log"
+    echo "Building"
+    if ! cmake --build "$QUILLET_BUILD"; then
+        echo "The build failed." >&2
+        return 1
+    fi
 }
