@@ -43,17 +43,41 @@ const FieldDisplay &ScheduleHeader::value(Field field) const
     return values.at(found == ValueFields.end() ? 0 : found - ValueFields.begin());
 }
 
-ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, quint16 stateFlags)
+namespace {
+
+template <typename FieldTextOf>
+ScheduleHeader headerOf(const ScenarioRecord &record, FieldTextOf fieldText)
 {
     ScheduleHeader header;
     const QString desc = trimmedDesc(record);
     if (!desc.isEmpty())
         header.desc = u' ' + desc;
     for (std::size_t k = 0; k < ScheduleHeader::ValueFields.size(); ++k)
-        header.values[k] =
-            FieldText(record, ScheduleHeader::ValueFields[k], investments, stateFlags);
+        header.values[k] = fieldText(ScheduleHeader::ValueFields[k]);
     header.perYear = QString::number(record.PerYear);
     return header;
+}
+
+template <typename SolveOf> ScheduleStart startOf(SolveOf solve, double perYear)
+{
+    return {solve(Field::InitialAmount).value, solve(Field::IRate).value,
+            solve(Field::Payment).value, perYear};
+}
+
+} // namespace
+
+ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, quint16 stateFlags)
+{
+    return headerOf(record,
+                    [&](Field field) { return FieldText(record, field, investments, stateFlags); });
+}
+
+ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, quint16 stateFlags,
+                              SolveCache &solved)
+{
+    return headerOf(record, [&](Field field) {
+        return solved.fieldText(record, field, investments, stateFlags);
+    });
 }
 
 std::optional<double> schedulePerYear(QStringView perYearText)
@@ -75,16 +99,22 @@ PeriodCountOutcome PeriodCountFor(QStringView yearsText, QStringView perYearText
     const double periods = roundHalfEven(*years * *perYear);
     if (!(periods >= std::numeric_limits<qint16>::min() &&
           periods <= std::numeric_limits<qint16>::max()))
-        return {Status::TooMany, 0};
-    return {Status::Counted, static_cast<qint16>(periods)};
+        return {Status::TooMany, 0, periods};
+    return {Status::Counted, static_cast<qint16>(periods), periods};
 }
 
 ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, double perYear,
                             quint16 stateFlags)
 {
-    return {Solve(record, Field::InitialAmount, investments, stateFlags).value,
-            Solve(record, Field::IRate, investments, stateFlags).value,
-            Solve(record, Field::Payment, investments, stateFlags).value, perYear};
+    return startOf([&](Field field) { return Solve(record, field, investments, stateFlags); },
+                   perYear);
+}
+
+ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, double perYear,
+                            quint16 stateFlags, SolveCache &solved)
+{
+    return startOf(
+        [&](Field field) { return solved.solve(record, field, investments, stateFlags); }, perYear);
 }
 
 InvestmentSchedule::InvestmentSchedule(const ScheduleStart &start)

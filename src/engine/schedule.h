@@ -2,6 +2,7 @@
 
 #include "displaytext.h"
 #include "scenariorecord.h"
+#include "solvecache.h"
 
 #include <QString>
 #include <QStringView>
@@ -29,6 +30,10 @@ struct ScheduleHeader
 
 ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments,
                               quint16 stateFlags = 0);
+// The same, with solved fields remembered: a window redrawn for the same
+// record solves nothing again.
+ScheduleHeader scheduleHeader(const ScenarioRecord &record, bool investments, quint16 stateFlags,
+                              SolveCache &solved);
 
 // Payments a year as the schedule reads them from the PerYear text: 1 when
 // the text is empty, else the number; no value for text that is no number.
@@ -46,6 +51,8 @@ struct PeriodCountOutcome
     };
     Status status = Status::YearsEmpty;
     qint16 count = 0;
+    // The rounded product, also when it is too many to count.
+    double periods = 0;
 };
 
 PeriodCountOutcome PeriodCountFor(QStringView yearsText, QStringView perYearText);
@@ -62,6 +69,8 @@ struct ScheduleStart
 
 ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, double perYear,
                             quint16 stateFlags = 0);
+ScheduleStart scheduleStart(const ScenarioRecord &record, bool investments, double perYear,
+                            quint16 stateFlags, SolveCache &solved);
 
 struct InvestmentScheduleRow
 {
