@@ -75,15 +75,8 @@ TinyRate tinyRateOf(double rate)
     tiny.mantissa =
         exponent == 0 ? (bits & MantissaMask) : ((bits & MantissaMask) | (MantissaMask + 1));
     tiny.shift = exponent == 0 ? 1074 : 1075 - exponent;
-    if (tiny.shift < 1) // a rate of 2^52 and more: products leave the tiny range at once
-        return tiny;
-    if (tiny.shift > 106 || tiny.mantissa == 0) {
-        // Below 2^53 units times a 53-bit mantissa, the product is under half
-        // a unit: it rounds to zero.
-        tiny.mantissa = 0;
-        tiny.shift = 1;
-    }
-    tiny.usable = true;
+    // A rate of 2^52 and more makes products leave the tiny range at once.
+    tiny.usable = tiny.shift >= 1;
     return tiny;
 }
 
@@ -117,9 +110,9 @@ bool sameBits(double a, double b)
 class TinyProduct
 {
 public:
-    explicit TinyProduct(const TinyRate &rate)
-        : m_mantissa(rate.mantissa), m_shift(rate.shift),
-          m_highShift(rate.shift > 64 ? rate.shift - 64 : 0)
+    // Multiplies by mantissa x 2^-shift, shift from 1 to 106.
+    TinyProduct(std::uint64_t mantissa, int shift)
+        : m_mantissa(mantissa), m_shift(shift), m_highShift(shift > 64 ? shift - 64 : 0)
     {}
 
     // False when the rounded product is not below 2^53 units.
@@ -152,6 +145,16 @@ private:
     int m_highShift;
 };
 
+// The product of an amount below 2^53 units and a rate whose mantissa is
+// shifted down by `shift` bits: beyond 106 bits the exact product is under
+// half a unit, which rounds to zero, as a zero mantissa gives.
+TinyProduct productBy(const TinyRate &rate, int shift)
+{
+    if (shift > 106 || rate.mantissa == 0)
+        return TinyProduct(0, 1);
+    return TinyProduct(rate.mantissa, shift);
+}
+
 // Loan periods on tiny values, in integers. Returns true when the state
 // settled; otherwise stops where the loop ends or where the next period would
 // leave the tiny range, with the state of the periods run so far.
@@ -162,7 +165,7 @@ bool tinyLoanPeriods(LoanRun &run, const TinyRate &rate, std::int64_t payment, l
     std::int64_t total = 0;
     if (!exactUnitsOf(run.balance, balance) || !exactUnitsOf(run.total, total))
         return false;
-    const TinyProduct product(rate);
+    const TinyProduct product = productBy(rate, rate.shift);
     double periods = run.periods;
     long long done = run.done;
     bool settled = false;
@@ -195,6 +198,85 @@ bool tinyLoanPeriods(LoanRun &run, const TinyRate &rate, std::int64_t payment, l
     run.balance = fromUnits(balance);
     run.total = fromUnits(total);
     return settled;
+}
+
+// Loan periods on a balance of 2^53 units and more (whose binade it keeps)
+// with a tiny interest and payment: the interest, a subnormal product that
+// is slow in hardware, is rounded in integers from the balance's mantissa,
+// and the balance moves on its binade's grid of 2^exponent units, rounded
+// to nearest, ties to even, as the hardware subtraction rounds it. The total
+// is added in hardware. Returns true when the state settled; otherwise stops
+// where the loop ends or where the next period cannot be carried so.
+template <bool NegativeRate>
+bool binadeLoanPeriods(LoanRun &run, const TinyRate &rate, std::int64_t payment, long long limit)
+{
+    const std::uint64_t bits = std::bit_cast<std::uint64_t>(run.balance);
+    const std::uint64_t exponentField = bits >> 52;
+    // A positive normal balance of 2^53 units and more, below 2^115 units.
+    if (exponentField < 2 || exponentField > 63)
+        return false;
+    const int exponent = int(exponentField) - 1; // balance = mantissa x 2^exponent units
+    const int shift = rate.shift - exponent;
+    if (shift < 1 && rate.mantissa != 0)
+        return false;
+    constexpr std::int64_t Low = std::int64_t(1) << 52;
+    const TinyProduct product = productBy(rate, shift);
+    const std::int64_t half = std::int64_t(1) << (exponent - 1);
+    const std::int64_t below = (std::int64_t(1) << exponent) - 1;
+
+    std::int64_t mantissa = std::int64_t((bits & MantissaMask) | (MantissaMask + 1));
+    double total = run.total;
+    double periods = run.periods;
+    long long done = run.done;
+    bool settled = false;
+    while (done < limit && periods > 0) {
+        std::uint64_t magnitude = 0;
+        if (!product(std::uint64_t(mantissa), magnitude))
+            break;
+        const std::int64_t interest =
+            NegativeRate ? -std::int64_t(magnitude) : std::int64_t(magnitude);
+        const std::int64_t principal = payment - interest;
+        if (!isTiny(principal))
+            break;
+        // A tiny principal is never above a balance of 2^53 units. The exact
+        // balance - principal is (kept + remainder / 2^exponent) grid steps.
+        const std::int64_t change = -principal;
+        const std::int64_t kept = mantissa + (change >> exponent);
+        if (kept < Low || kept >= TinyLimit)
+            break; // the exact result leaves the binade
+        const std::int64_t remainder = change & below;
+        const std::int64_t next =
+            kept + ((remainder > half || (remainder == half && (kept & 1))) ? 1 : 0);
+        if (next >= TinyLimit)
+            break;
+        const double nextTotal = total + fromUnits(interest);
+        periods = periods - 1;
+        ++done;
+        settled = next == mantissa && sameBits(nextTotal, total);
+        mantissa = next;
+        total = nextTotal;
+        if (settled)
+            break;
+    }
+    run.computed += done - run.done;
+    run.done = done;
+    run.periods = periods;
+    run.balance =
+        std::bit_cast<double>((exponentField << 52) | (std::uint64_t(mantissa) & MantissaMask));
+    run.total = total;
+    return settled;
+}
+
+// The integer-carried periods that fit the state, if any. Returns true when
+// the state settled.
+bool carriedLoanPeriods(LoanRun &run, const TinyRate &rate, std::int64_t payment, long long limit)
+{
+    if (rate.negative) {
+        return tinyLoanPeriods<true>(run, rate, payment, limit) ||
+               binadeLoanPeriods<true>(run, rate, payment, limit);
+    }
+    return tinyLoanPeriods<false>(run, rate, payment, limit) ||
+           binadeLoanPeriods<false>(run, rate, payment, limit);
 }
 
 // Up to Block loan periods in hardware. Returns true when the last period
@@ -304,10 +386,8 @@ LoanRun runLoanInterest(double balance, double rate, double payment, double peri
         if (!bothFinite(run.balance, run.total))
             break;
         bool settled = false;
-        if (tinyTerms) {
-            settled = tinyRate.negative ? tinyLoanPeriods<true>(run, tinyRate, tinyPayment, limit)
-                                        : tinyLoanPeriods<false>(run, tinyRate, tinyPayment, limit);
-        }
+        if (tinyTerms)
+            settled = carriedLoanPeriods(run, tinyRate, tinyPayment, limit);
         if (!settled)
             settled = hardwareLoanPeriods(run, rate, payment, limit);
         if (settled && bothFinite(run.balance, run.total)) {
