@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -89,7 +90,7 @@ QString gridPerYear(const ScenarioRecord &record)
 // The schedule windows' currency text: the cell's, without its trailing blank.
 QString currency(double value)
 {
-    return QLocale().toCurrencyString(value, QString(), 2);
+    return scheduleAmountText(value);
 }
 
 // A figure as spreadsheets read numbers: '.' decimal point, no grouping,
@@ -98,7 +99,18 @@ QString plainFigure(double value, int decimals)
 {
     if (!std::isfinite(value))
         return {};
-    QString text = QString::number(value, 'f', decimals);
+    QString text;
+    if (std::abs(value) < 0x1p53) {
+        text = QString::number(value, 'f', decimals);
+    } else {
+        // A whole number this large has no fraction to round, and Qt writes
+        // its hundreds of digits far more slowly than to_chars does.
+        std::array<char, 400> digits{};
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                       std::chars_format::fixed, decimals)
+                             .ptr;
+        text = QString::fromLatin1(digits.data(), end - digits.data());
+    }
     // A value that rounds to zero from below is zero, not "-0.00".
     if (text.startsWith(u'-') &&
         std::all_of(text.cbegin() + 1, text.cend(), [](QChar c) { return c == u'0' || c == u'.'; }))
@@ -386,11 +398,11 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                    {QStringLiteral("Cumulative Earnings"), Align::Right},
                    {QStringLiteral("Total Earnings and Payments"), Align::Right}};
         for (const InvestmentScheduleRow &row : data.investmentRows) {
-            const QString period = csv ? QString::number(row.period) : PadNum(row.period, 4);
+            const QString period = csv ? QString::number(row.period) : schedulePeriodText(row.period);
             if (format == Format::Json) {
                 jsonRows.push_back(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(PadNum(row.period, 4))},
+                    {QStringLiteral("periodText"), JsonValue::string(schedulePeriodText(row.period))},
                     {QStringLiteral("earnings"), amountJson(row.earnings)},
                     {QStringLiteral("cumulativeEarnings"), amountJson(row.cumulativeEarnings)},
                     {QStringLiteral("balance"), amountJson(row.balance)},
@@ -408,11 +420,11 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                    {QStringLiteral("Cumulative Interest"), Align::Right},
                    {QStringLiteral("Remaining Balance"), Align::Right}};
         for (const LoanScheduleRow &row : data.loanRows) {
-            const QString period = csv ? QString::number(row.period) : PadNum(row.period, 4);
+            const QString period = csv ? QString::number(row.period) : schedulePeriodText(row.period);
             if (format == Format::Json) {
                 jsonRows.push_back(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(PadNum(row.period, 4))},
+                    {QStringLiteral("periodText"), JsonValue::string(schedulePeriodText(row.period))},
                     {QStringLiteral("principal"), amountJson(row.principal)},
                     {QStringLiteral("interest"), amountJson(row.interest)},
                     {QStringLiteral("cumulativePrincipal"), amountJson(row.cumulativePrincipal)},

@@ -46,7 +46,8 @@ bool writeFixture(const QDir &dir)
                {scenario(QStringLiteral("Mortgage, 30 years"), 200000, 0.065, 30, Blank, 12, Blank),
                 scenario(QStringLiteral("CR\rLF\nend"), 10000, Blank, 2, 450, 12, Blank),
                 scenario(QStringLiteral("Blank per year"), 5000, 0.1, 1, Blank, BlankPerYear,
-                         Blank)});
+                         Blank),
+                scenario(QStringLiteral("Huge"), 1e303, 0.1, 1, -4e303, 12, Blank)});
 }
 
 // Python's csv module reads the CSV back: an independent RFC 4180 reader.
@@ -255,7 +256,7 @@ void TestReportExport::listCsvNumbersReadBackAsTheJsonValues()
     const Run report = json({QStringLiteral("list"), list});
     QCOMPARE(report.exitCode, 0);
     const QJsonArray records = parseObject(report.out).value(u"records").toArray();
-    QCOMPARE(records.size(), investments ? 6 : 3);
+    QCOMPARE(records.size(), investments ? 6 : 4);
 
     const QList<QStringList> rows = readCsv(csv.out);
     QCOMPARE(rows.size(), records.size() + 1);
@@ -304,6 +305,14 @@ void TestReportExport::listCsvNumbersReadBackAsTheJsonValues()
     if (investments) {
         QCOMPARE(rows.at(5).at(2), QStringLiteral("-1234.57"));
         QCOMPARE(rows.at(6).at(7), QString());
+    } else {
+        // A huge amount is written whole, every digit of the double.
+        QCOMPARE(rows.at(4).at(2),
+                 QStringLiteral("1000000000000000000161765076786456438212668646231659438295495017"
+                                "1011174992257387478652602430342139152537797735681803374160274458"
+                                "2056777919964339154160602606861115074612228497617725665004420052"
+                                "7276807327067690462112661427500197051226489898260678763391449376"
+                                "088547292320814127957486330655468919122263277568.00"));
     }
 }
 
@@ -326,6 +335,8 @@ void TestReportExport::scheduleCsvNumbersReadBackAsTheJsonValues_data()
         << QStringLiteral("investments") << QStringLiteral("5") << 36 << investmentKeys;
     QTest::newRow("30-year mortgage")
         << QStringLiteral("loans") << QStringLiteral("1") << 360 << loanKeys;
+    QTest::newRow("amounts of 300 digits")
+        << QStringLiteral("loans") << QStringLiteral("4") << 12 << loanKeys;
 }
 
 void TestReportExport::scheduleCsvNumbersReadBackAsTheJsonValues()
@@ -394,7 +405,7 @@ void TestReportExport::descriptionsWithControlCharactersStayInTheirCsvField()
 
     const Run loans = runReport(args({"list", "loans", "--format", "csv"}), path());
     const QList<QStringList> loanRows = readCsv(loans.out);
-    QCOMPARE(loanRows.size(), 4);
+    QCOMPARE(loanRows.size(), 5);
     QCOMPARE(loanRows.at(1).at(1), QStringLiteral("Mortgage, 30 years"));
     QCOMPARE(loanRows.at(2).at(1), QStringLiteral("CR\rLF\nend"));
 }
@@ -427,7 +438,7 @@ void TestReportExport::everyJsonOutputMatchesTheSchema_data()
     for (const char *record : {"1", "2", "3", "4", "5", "6"})
         QTest::addRow("investment schedule %s", record)
             << args({"schedule", "investments", record});
-    for (const char *record : {"1", "2", "3"})
+    for (const char *record : {"1", "2", "3", "4"})
         QTest::addRow("loan schedule %s", record) << args({"schedule", "loans", record});
     QTest::newRow("solved investment")
         << args({"solve", "investment", "--initial", "1000", "--rate", "12", "--years", "10",
