@@ -16,6 +16,7 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -97,6 +98,34 @@ void setButtonColour(QPushButton *button, const QColor &colour)
                  colours.color(QPalette::Highlight).name()));
 }
 
+// The key of each command, also named in the command's tool tip.
+QKeySequence commandKey(Command command)
+{
+    switch (command) {
+    case Command::AddNew:
+        return QKeySequence(Qt::CTRL | Qt::Key_N);
+    case Command::Copy:
+        return QKeySequence(Qt::CTRL | Qt::Key_D);
+    case Command::Delete:
+        return QKeySequence(Qt::Key_Delete);
+    case Command::Undo:
+        return QKeySequence(QKeySequence::Undo);
+    case Command::MoveUp:
+        return QKeySequence(Qt::ALT | Qt::Key_Up);
+    case Command::MoveDown:
+        return QKeySequence(Qt::ALT | Qt::Key_Down);
+    case Command::Amort:
+        return QKeySequence(Qt::CTRL | Qt::Key_M);
+    case Command::Print:
+        return QKeySequence(Qt::CTRL | Qt::Key_P);
+    case Command::cmdExit:
+        return QKeySequence(Qt::CTRL | Qt::Key_Q);
+    case Command::Command2:
+        break;
+    }
+    return {};
+}
+
 // Sets a bit of the session's state flags for as long as it lives.
 class StateFlagScope
 {
@@ -149,6 +178,7 @@ void MainWindow::buildLayout()
     buildListButtons();
     buildGrid();
     buildScrollBarAndHelpBox();
+    addPagingKeys();
     setTabOrder();
 }
 
@@ -194,6 +224,43 @@ void MainWindow::buildCommandBar()
     connect(cmdExit, &QToolButton::clicked, this, &MainWindow::cmdExit_Click);
     connect(Amort, &QToolButton::clicked, this, &MainWindow::Amort_Click);
     connect(Print, &QToolButton::clicked, this, &MainWindow::Print_Click);
+    for (std::size_t k = 0; k < Commands.size(); ++k)
+        addCommandKey(m_commands[k], commandKey(Commands[k].command));
+}
+
+void MainWindow::addCommandKey(QAbstractButton *button, const QKeySequence &key)
+{
+    if (key.isEmpty())
+        return;
+    button->setToolTip(
+        QStringLiteral("%1 (%2)").arg(button->toolTip(), key.toString(QKeySequence::NativeText)));
+    auto *shortcut = new QShortcut(key, this);
+    connect(shortcut, &QShortcut::activated, this, [this, button] { pressByKey(button); });
+}
+
+void MainWindow::pressByKey(QAbstractButton *button)
+{
+    if (!button->isEnabled() || !button->isVisible())
+        return;
+    // In a cell, Delete deletes text, never the selected scenario.
+    if (button == Delete && qobject_cast<GridCell *>(QApplication::focusWidget()))
+        return;
+    // As a click: the command takes the focus, so a cell being edited is
+    // left, and saved, before the command runs.
+    button->setFocus(Qt::ShortcutFocusReason);
+    button->click();
+}
+
+void MainWindow::addPagingKeys()
+{
+    const auto page = [this](QAbstractSlider::SliderAction action) {
+        if (!VScroll1->isHidden())
+            VScroll1->triggerAction(action);
+    };
+    connect(new QShortcut(QKeySequence(Qt::Key_PageUp), this), &QShortcut::activated, this,
+            [page] { page(QAbstractSlider::SliderPageStepSub); });
+    connect(new QShortcut(QKeySequence(Qt::Key_PageDown), this), &QShortcut::activated, this,
+            [page] { page(QAbstractSlider::SliderPageStepAdd); });
 }
 
 void MainWindow::buildListButtons()
@@ -211,6 +278,8 @@ void MainWindow::buildListButtons()
     Loans = makeButton(LoansButton);
     connect(Investments, &QPushButton::clicked, this, &MainWindow::Investments_Click);
     connect(Loans, &QPushButton::clicked, this, &MainWindow::Loans_Click);
+    addCommandKey(Investments, QKeySequence(Qt::CTRL | Qt::Key_1));
+    addCommandKey(Loans, QKeySequence(Qt::CTRL | Qt::Key_2));
 }
 
 void MainWindow::buildGrid()
@@ -673,6 +742,18 @@ bool MainWindow::cell_KeyPress(GridCell *cell, const QKeyEvent *event)
         cell->setDataChanged(false);
         doFocus();
         return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        if (cell != m_editing || event->modifiers() != Qt::NoModifier)
+            break;
+        moveEdit(cell, event->key() == Qt::Key_Up ? -1 : 1, 0);
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        if (cell != m_editing || event->modifiers() != Qt::ControlModifier)
+            break;
+        moveEdit(cell, 0, event->key() == Qt::Key_Left ? -1 : 1);
+        return true;
     default:
         break;
     }
@@ -804,6 +885,30 @@ bool MainWindow::swapRecords(int neighbour, int selected)
     if (!status.ok())
         reportProblem(status.message());
     return status.ok();
+}
+
+void MainWindow::moveEdit(GridCell *cell, int rowStep, int columnStep)
+{
+    const ListState &list = m_session.current();
+    const int record = list.TopRow + cell->row() - 1 + rowStep;
+    const int column = static_cast<int>(cell->column()) + columnStep;
+    if (record < 1 || record > list.NumRecs() || column < 0 || column >= GridColumnCount)
+        return;
+    // The total interest of a loan is never edited.
+    if (static_cast<GridColumn>(column) == GridColumn::FutureValue && !m_session.InvMode)
+        return;
+    endEdit();
+    // A row off screen is scrolled into view first.
+    if (record < list.TopRow)
+        VScroll1->setValue(record);
+    else if (record > list.TopRow + RowCount - 1)
+        VScroll1->setValue(record - RowCount + 1);
+    const int row = record - list.TopRow + 1;
+    if (row < 1 || row > RowCount)
+        return;
+    GridCell *next = cells(static_cast<GridColumn>(column))[row];
+    next->setFocus(Qt::OtherFocusReason);
+    cell_Click(next);
 }
 
 void MainWindow::endEdit()

@@ -24,6 +24,8 @@
 #include <functional>
 #include <memory>
 
+class QAbstractButton;
+class QKeySequence;
 class QLabel;
 class QPushButton;
 class QScrollBar;
@@ -101,6 +103,12 @@ private:
     void saveCell(GridCell *cell, int record);
     // Ends the edit of the cell being edited, if any, as leaving it does.
     void endEdit();
+    // Ends the edit and starts editing the cell rowStep rows down and
+    // columnStep columns right, scrolling the list to it.
+    void moveEdit(GridCell *cell, int rowStep, int columnStep);
+    void addCommandKey(QAbstractButton *button, const QKeySequence &key);
+    void pressByKey(QAbstractButton *button);
+    void addPagingKeys();
     bool handlesRow(int k) const;
 
     bool readRecord(int n);
