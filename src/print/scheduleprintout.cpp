@@ -78,8 +78,7 @@ void printRule(PrintSurface &printer, const TextMeasure &measure, const Schedule
 }
 
 template <typename Schedule, typename Line>
-bool printRows(PrintSurface &printer, const SchedulePrintJob &job, const PrintProgress &progress,
-               Line &&line)
+bool printRows(const SchedulePrintJob &job, const PrintProgress &progress, Line &&line)
 {
     Schedule schedule(job.start);
     for (int k = 1; k <= job.periodCount; ++k) {
@@ -127,8 +126,8 @@ PrintOutcome PrintAmort(PrintSurface &printer, const TextMeasure &measure,
     if (job.investments) {
         OutText4(printer, measure, headingTexts<4>(job.headings), 0);
         printRule(printer, measure, job);
-        finished = printRows<InvestmentSchedule>(
-            printer, job, progress, [&](const InvestmentScheduleRow &row) {
+        finished =
+            printRows<InvestmentSchedule>(job, progress, [&](const InvestmentScheduleRow &row) {
                 OutText4(printer, measure,
                          {schedulePeriodText(row.period), scheduleAmountText(row.earnings),
                           scheduleAmountText(row.cumulativeEarnings),
@@ -138,7 +137,7 @@ PrintOutcome PrintAmort(PrintSurface &printer, const TextMeasure &measure,
     } else {
         OutText6(printer, measure, headingTexts<6>(job.headings), 0);
         printRule(printer, measure, job);
-        finished = printRows<LoanSchedule>(printer, job, progress, [&](const LoanScheduleRow &row) {
+        finished = printRows<LoanSchedule>(job, progress, [&](const LoanScheduleRow &row) {
             OutText6(printer, measure,
                      {schedulePeriodText(row.period), scheduleAmountText(row.principal),
                       scheduleAmountText(row.interest), scheduleAmountText(row.cumulativePrincipal),

@@ -96,6 +96,18 @@ QString noPrinterQuestion()
                           "Save the printout as a PDF file instead?");
 }
 
+QString pdfFileName(const QString &text, const QString &fallback)
+{
+    QString name = text.trimmed();
+    for (QChar &c : name) {
+        if (c.category() == QChar::Other_Control || QStringView(u"/\\:*?\"<>|").contains(c))
+            c = u'_';
+    }
+    if (name.isEmpty() || name.startsWith(u'.'))
+        name = fallback;
+    return name + QStringLiteral(".pdf");
+}
+
 PrintOutcome runPrintout(QWidget *parent, const PrintSeams &seams, const QString &title,
                          const QString &pdfName, int lineCount, const Printout &printout)
 {

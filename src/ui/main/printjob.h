@@ -33,6 +33,10 @@ struct PrintSeams
 // The text that offers a PDF when there is no printer.
 QString noPrinterQuestion();
 
+// A PDF file name made of a text, such as a scenario's description: the
+// characters a file name cannot hold become '_'; fallback when it is empty.
+QString pdfFileName(const QString &text, const QString &fallback);
+
 using Printout = std::function<PrintOutcome(PrintSurface &printer, const PrintProgress &progress)>;
 
 // Prints on the default printer at once, without a dialog. Without a usable

@@ -1,4 +1,5 @@
 #include "mainwindowfixture.h"
+#include "fonts.h"
 #include "pdftext.h"
 #include "printjob.h"
 
@@ -72,7 +73,11 @@ class TestPrinting : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+    void initTestCase()
+    {
+        installFontSubstitutions();
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    }
     void cleanup() { QUILLET_VERIFY_NO_UNEXPECTED_MESSAGE_BOX(); }
     void emptyInvestmentListSaysSoAndPrintsNothing();
     void emptyLoanListSaysSoAndPrintsNothing();
