@@ -1,6 +1,7 @@
 #include "jsonvalue.h"
 
 #include <cmath>
+#include <utility>
 
 namespace quillet::report {
 
@@ -65,7 +66,8 @@ QString JsonValue::toJson() const
 
 bool JsonValue::isContainer() const
 {
-    return std::holds_alternative<Array>(m_value) || std::holds_alternative<Object>(m_value);
+    return std::holds_alternative<Array>(m_value) || std::holds_alternative<Object>(m_value) ||
+           std::holds_alternative<Written>(m_value);
 }
 
 bool JsonValue::holdsOnlyPlainValues() const
@@ -100,6 +102,8 @@ void JsonValue::write(QString &out, int level) const
         out += QString::number(*number, 'g', 17);
     } else if (const QString *text = std::get_if<QString>(&m_value)) {
         out += jsonString(*text);
+    } else if (const Written *written = std::get_if<Written>(&m_value)) {
+        out += written->json;
     } else {
         const auto *array = std::get_if<Array>(&m_value);
         const auto *object = std::get_if<Object>(&m_value);
@@ -135,6 +139,35 @@ void JsonValue::write(QString &out, int level) const
         }
         out += close;
     }
+}
+
+void JsonArrayWriter::append(const JsonValue &element)
+{
+    m_json += m_count++ == 0 ? u'[' : u',';
+    // An array of plain values stays on one line, as JsonValue writes it.
+    if (element.isContainer()) {
+        m_json += u'\n';
+        writeIndent(m_json, m_level + 1);
+    } else if (m_count > 1) {
+        m_json += u' ';
+    }
+    element.write(m_json, m_level + 1);
+    m_lastWasContainer = element.isContainer();
+}
+
+JsonValue JsonArrayWriter::take()
+{
+    if (m_count == 0) {
+        m_json = QStringLiteral("[");
+    } else if (m_lastWasContainer) {
+        m_json += u'\n';
+        writeIndent(m_json, m_level);
+    }
+    m_json += u']';
+    JsonValue array;
+    array.m_value = JsonValue::Written{std::exchange(m_json, QString())};
+    m_count = 0;
+    return array;
 }
 
 QString jsonString(const QString &text)

@@ -35,11 +35,38 @@ public:
     QString toJson() const;
 
 private:
+    friend class JsonArrayWriter;
+    // An array already written out, kept as its text.
+    struct Written
+    {
+        QString json;
+    };
+
     bool isContainer() const;
     bool holdsOnlyPlainValues() const;
     void write(QString &out, int level) const;
 
-    std::variant<std::monostate, bool, qint64, double, QString, Array, Object> m_value;
+    std::variant<std::monostate, bool, qint64, double, QString, Array, Object, Written> m_value;
+};
+
+// Writes a long array one element at a time, for an array that is the
+// member of an object at `level` (1 for a member of the document): the
+// elements are written as they come instead of held as values, so that
+// 32,767 schedule rows cost their text and not a tree of values besides.
+class JsonArrayWriter final
+{
+public:
+    explicit JsonArrayWriter(int level) : m_level(level) {}
+
+    void append(const JsonValue &element);
+    // The array as a value to put in its object; the writer is then empty.
+    JsonValue take();
+
+private:
+    int m_level;
+    qsizetype m_count = 0;
+    bool m_lastWasContainer = false;
+    QString m_json;
 };
 
 // The text as a JSON string literal, quotes included.

@@ -287,11 +287,11 @@ QString listReport(ListKind list, const std::vector<ScenarioRecord> &records,
                    const QString &fileName, Format format)
 {
     if (format == Format::Json) {
-        JsonValue::Array rows;
+        JsonArrayWriter rows(1);
         int number = 0;
         for (const ScenarioRecord &record : records) {
             const RecordView view = viewOf(record, list);
-            rows.push_back(JsonValue::object({
+            rows.append(JsonValue::object({
                 {QStringLiteral("record"), JsonValue::integer(++number)},
                 {QStringLiteral("description"), JsonValue::string(trimmedDesc(record))},
                 {QStringLiteral("fields"), fieldsJson(view, list)},
@@ -304,7 +304,7 @@ QString listReport(ListKind list, const std::vector<ScenarioRecord> &records,
             {QStringLiteral("list"), JsonValue::string(listName(list))},
             {QStringLiteral("file"), JsonValue::string(fileName)},
             {QStringLiteral("locale"), JsonValue::string(QLocale().name())},
-            {QStringLiteral("records"), JsonValue::array(std::move(rows))},
+            {QStringLiteral("records"), rows.take()},
         });
     }
 
@@ -391,18 +391,20 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
 
     QList<TextTable::Column> columns;
     std::vector<QStringList> textRows;
-    JsonValue::Array jsonRows;
+    JsonArrayWriter jsonRows(1);
     if (investments) {
         columns = {{QStringLiteral("Period"), Align::Right},
                    {QStringLiteral("Earnings"), Align::Right},
                    {QStringLiteral("Cumulative Earnings"), Align::Right},
                    {QStringLiteral("Total Earnings and Payments"), Align::Right}};
         for (const InvestmentScheduleRow &row : data.investmentRows) {
-            const QString period = csv ? QString::number(row.period) : schedulePeriodText(row.period);
+            const QString period =
+                csv ? QString::number(row.period) : schedulePeriodText(row.period);
             if (format == Format::Json) {
-                jsonRows.push_back(JsonValue::object({
+                jsonRows.append(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(schedulePeriodText(row.period))},
+                    {QStringLiteral("periodText"),
+                     JsonValue::string(schedulePeriodText(row.period))},
                     {QStringLiteral("earnings"), amountJson(row.earnings)},
                     {QStringLiteral("cumulativeEarnings"), amountJson(row.cumulativeEarnings)},
                     {QStringLiteral("balance"), amountJson(row.balance)},
@@ -420,11 +422,13 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                    {QStringLiteral("Cumulative Interest"), Align::Right},
                    {QStringLiteral("Remaining Balance"), Align::Right}};
         for (const LoanScheduleRow &row : data.loanRows) {
-            const QString period = csv ? QString::number(row.period) : schedulePeriodText(row.period);
+            const QString period =
+                csv ? QString::number(row.period) : schedulePeriodText(row.period);
             if (format == Format::Json) {
-                jsonRows.push_back(JsonValue::object({
+                jsonRows.append(JsonValue::object({
                     {QStringLiteral("period"), JsonValue::integer(row.period)},
-                    {QStringLiteral("periodText"), JsonValue::string(schedulePeriodText(row.period))},
+                    {QStringLiteral("periodText"),
+                     JsonValue::string(schedulePeriodText(row.period))},
                     {QStringLiteral("principal"), amountJson(row.principal)},
                     {QStringLiteral("interest"), amountJson(row.interest)},
                     {QStringLiteral("cumulativePrincipal"), amountJson(row.cumulativePrincipal)},
@@ -455,7 +459,7 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
              })},
             {QStringLiteral("periodCount"),
              data.counted ? JsonValue::integer(data.periodCount) : JsonValue::null()},
-            {QStringLiteral("rows"), JsonValue::array(std::move(jsonRows))},
+            {QStringLiteral("rows"), jsonRows.take()},
         });
         return {};
     }

@@ -26,6 +26,11 @@ private slots:
     void jsonNumbersThatAreNotFiniteAreNull();
     void jsonStringsEscapeQuotesBackslashesAndControls();
     void jsonContainersOfPlainValuesStayOnOneLine();
+    void jsonArrayWrittenRowByRowReadsAsTheWholeArray_data();
+    void jsonArrayWrittenRowByRowReadsAsTheWholeArray();
+    void csvQuotesEveryControlCharacter_data();
+    void csvQuotesEveryControlCharacter();
+    void textTableShowsControlCharactersAsQuestionMarks();
     void helpAndUsageErrorsCanBeRunInProcess();
 };
 
@@ -128,6 +133,73 @@ void TestReportFormat::jsonStringsEscapeQuotesBackslashesAndControls()
     QCOMPARE(JsonValue::string(QString(QChar(0x01))).toJson(), QStringLiteral("\"\\u0001\""));
     QCOMPARE(JsonValue::string(QStringLiteral("1.000,00\u00a0€ études")).toJson(),
              QStringLiteral("\"1.000,00\u00a0€ études\""));
+}
+
+void TestReportFormat::jsonArrayWrittenRowByRowReadsAsTheWholeArray_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("objects");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("no rows") << 0 << true << QStringLiteral("{\n  \"rows\": []\n}");
+    QTest::newRow("one object") << 1 << true
+                                << QStringLiteral("{\n  \"rows\": [\n    {\"n\": 0}\n  ]\n}");
+    QTest::newRow("two objects")
+        << 2 << true << QStringLiteral("{\n  \"rows\": [\n    {\"n\": 0},\n    {\"n\": 1}\n  ]\n}");
+    QTest::newRow("plain values") << 3 << false << QStringLiteral("{\n  \"rows\": [0, 1, 2]\n}");
+}
+
+void TestReportFormat::jsonArrayWrittenRowByRowReadsAsTheWholeArray()
+{
+    QFETCH(int, count);
+    QFETCH(bool, objects);
+    QFETCH(QString, expected);
+
+    JsonArrayWriter writer(1);
+    JsonValue::Array whole;
+    for (int n = 0; n < count; ++n) {
+        const JsonValue element =
+            objects ? JsonValue::object({{QStringLiteral("n"), JsonValue::integer(n)}})
+                    : JsonValue::integer(n);
+        writer.append(element);
+        whole.push_back(element);
+    }
+    const QString written = JsonValue::object({{QStringLiteral("rows"), writer.take()}}).toJson();
+    QCOMPARE(written, expected);
+    QCOMPARE(JsonValue::object({{QStringLiteral("rows"), JsonValue::array(whole)}}).toJson(),
+             expected);
+}
+
+void TestReportFormat::csvQuotesEveryControlCharacter_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("tab") << QStringLiteral("a\tb") << QStringLiteral("\"a\tb\"");
+    QTest::newRow("start of heading")
+        << QStringLiteral("a\u0001b") << QStringLiteral("\"a\u0001b\"");
+    QTest::newRow("delete") << QStringLiteral("a\u007fb") << QStringLiteral("\"a\u007fb\"");
+    QTest::newRow("C1 control") << QStringLiteral("a\u0081b") << QStringLiteral("\"a\u0081b\"");
+    QTest::newRow("no-break space is no control")
+        << QStringLiteral("a\u00a0b") << QStringLiteral("a\u00a0b");
+}
+
+void TestReportFormat::csvQuotesEveryControlCharacter()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, expected);
+    QCOMPARE(csvField(field), expected);
+}
+
+void TestReportFormat::textTableShowsControlCharactersAsQuestionMarks()
+{
+    TextTable table({{QStringLiteral("Name"), TextTable::Align::Left},
+                     {QStringLiteral("N"), TextTable::Align::Right}});
+    table.addRow({QStringLiteral("two\nlines"), QStringLiteral("1")});
+    table.addRow({QStringLiteral("tab\there\r\u0001\u0085"), QStringLiteral("2")});
+    QCOMPARE(table.toText(), QStringLiteral("Name         N\n"
+                                            "two?lines    1\n"
+                                            "tab?here???  2\n"));
 }
 
 void TestReportFormat::jsonContainersOfPlainValuesStayOnOneLine()
