@@ -1,5 +1,6 @@
 #include "fonts.h"
 #include "messageboxwatcher.h"
+#include "reports.h"
 #include "schedulefixture.h"
 
 #include <QApplication>
@@ -8,9 +9,13 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include <map>
+
 using namespace quillet;
 using namespace quillet::test;
 using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(quillet::ScenarioRecord)
 
 namespace {
 
@@ -108,6 +113,10 @@ private slots:
     void mouseWheelOverTheTableScrollsIt();
     void tooManyPeriodsAreExplainedAndShowNoTable();
     void figuresTooWideForTheirCellAreShortenedVisibly();
+
+    void countersAreSharedByBothWindows();
+    void windowsShowTheTextsOfQuilletReport_data();
+    void windowsShowTheTextsOfQuilletReport();
 
     void amortizeShowsTheSelectedScenarioAndRedrawsItsRow();
     void amortizeShowsTheLoanWindowForTheLoanList();
@@ -776,6 +785,71 @@ void TestScheduleWindows::figuresTooWideForTheirCellAreShortenedVisibly()
     QCOMPARE(balance->accessibleDescription(), balance->text());
     QVERIFY(!fixture.cell(QStringLiteral("Period"), 0)->isElided());
     QCOMPARE(fixture.cell(QStringLiteral("Period"), 0)->toolTip(), QString());
+}
+
+void TestScheduleWindows::countersAreSharedByBothWindows()
+{
+    // A loan paid nothing is never repaid: its years cannot be solved and
+    // its Years text is empty.
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({thirteenYears()}, {scenario(QStringLiteral("Never repaid"), 1200, 0.05,
+                                                       BlankValue, 0, 12)}));
+    fixture.open(ListKind::Investments, 1)->hide();
+    QCOMPARE(fixture.session().PeriodCount, qint16(13));
+    QVERIFY(fixture.open(ListKind::Loans, 1));
+    QCOMPARE(fixture.field(QStringLiteral("Years"))->text(), QString());
+    // The investment's 13 periods.
+    QCOMPARE(fixture.session().PeriodCount, qint16(13));
+    QCOMPARE(fixture.text(QStringLiteral("Period"), 11), QStringLiteral("  12"));
+    QCOMPARE(fixture.text(QStringLiteral("Interest"), 0), QStringLiteral("$5.00"));
+    QCOMPARE(fixture.text(QStringLiteral("Principal"), 0), QStringLiteral("($5.00)"));
+    QCOMPARE(fixture.text(QStringLiteral("ReBalance"), 0), QStringLiteral("$1,205.00"));
+}
+
+void TestScheduleWindows::windowsShowTheTextsOfQuilletReport_data()
+{
+    QTest::addColumn<bool>("investments");
+    QTest::addColumn<ScenarioRecord>("record");
+    QTest::newRow("a 30-year loan") << false << mortgage();
+    QTest::newRow("withdrawals past zero")
+        << true << scenario(QStringLiteral("Withdraw"), 1000, 0.05, 100, -30, 12);
+}
+
+void TestScheduleWindows::windowsShowTheTextsOfQuilletReport()
+{
+    QFETCH(bool, investments);
+    QFETCH(ScenarioRecord, record);
+    const ListKind list = investments ? ListKind::Investments : ListKind::Loans;
+    ScheduleFixture fixture;
+    QVERIFY(investments ? fixture.start({record}) : fixture.start({}, {record}));
+    QString report;
+    QVERIFY(report::scheduleReport(list, record, 1, investments ? InDat : LnDat,
+                                   report::Format::Text, report)
+                .ok());
+    // The report's table lines by their period number.
+    std::map<QString, QStringList> lines;
+    for (const QString &line : report.split(u'\n')) {
+        const QStringList words = line.split(u' ', Qt::SkipEmptyParts);
+        if (!words.isEmpty() && words.first().front().isDigit())
+            lines[words.first()] = words;
+    }
+    const QStringList columns =
+        investments ? QStringList({u"Period"_s, u"Earnings"_s, u"CumEarnings"_s, u"TotEarnings"_s})
+                    : QStringList({u"Period"_s, u"Principal"_s, u"Interest"_s, u"CumPrincipal"_s,
+                                   u"CumInterest"_s, u"ReBalance"_s});
+    QVERIFY(fixture.open(list, 1));
+    QScrollBar *bar = fixture.scrollBar();
+    for (const int top : {1, 175, bar->maximum()}) {
+        bar->setValue(top);
+        for (int row = 0; row < 12; ++row) {
+            QStringList shown;
+            // The period without its padding, the amounts exactly.
+            shown << fixture.text(columns.first(), row).trimmed();
+            for (const QString &column : columns.mid(1))
+                shown << fixture.text(column, row);
+            QCOMPARE(lines[shown.first()], shown);
+        }
+    }
 }
 
 void TestScheduleWindows::amortizeShowsTheSelectedScenarioAndRedrawsItsRow()
