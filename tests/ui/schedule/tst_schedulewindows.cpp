@@ -110,6 +110,7 @@ private slots:
     void halfYearsRoundToEvenPeriods_data();
     void halfYearsRoundToEvenPeriods();
     void periodNumbersArePaddedToFourDigits();
+    void fourDigitPeriodsAreDrawnWholeInTheNarrowCourierColumn();
     void mouseWheelOverTheTableScrollsIt();
     void tooManyPeriodsAreExplainedAndShowNoTable();
     void figuresTooWideForTheirCellAreShortenedVisibly();
@@ -735,6 +736,24 @@ void TestScheduleWindows::periodNumbersArePaddedToFourDigits()
     QCOMPARE(fixture.text(QStringLiteral("Period"), 3), QStringLiteral("1,000"));
 }
 
+void TestScheduleWindows::fourDigitPeriodsAreDrawnWholeInTheNarrowCourierColumn()
+{
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({scenario(QStringLiteral("Century"), 1000, 0.05, 100, 10, 12)}));
+    QVERIFY(fixture.open(ListKind::Investments, 1));
+    QVERIFY(!fixture.cell(QStringLiteral("Period"), 0)->isSqueezed());
+    QScrollBar *bar = fixture.scrollBar();
+    QTest::keyClick(bar, Qt::Key_End);
+    QCOMPARE(bar->value(), 1189);
+    ScheduleCell *last = fixture.cell(QStringLiteral("Period"), 11);
+    QCOMPARE(last->text(), QStringLiteral("1,200"));
+    // Wider than the column in Courier, drawn a little narrower, whole.
+    QVERIFY(last->fontMetrics().horizontalAdvance(last->text()) > last->contentsRect().width());
+    QVERIFY(last->isSqueezed());
+    QVERIFY(!last->isElided());
+    QCOMPARE(last->toolTip(), QString());
+}
+
 void TestScheduleWindows::mouseWheelOverTheTableScrollsIt()
 {
     ScheduleFixture fixture;
@@ -781,6 +800,7 @@ void TestScheduleWindows::figuresTooWideForTheirCellAreShortenedVisibly()
     ScheduleCell *balance = fixture.cell(QStringLiteral("TotEarnings"), 0);
     QVERIFY(balance->text().startsWith(QStringLiteral("$1,050,000,000,")));
     QVERIFY(balance->isElided());
+    QVERIFY(!balance->isSqueezed());
     QCOMPARE(balance->toolTip(), balance->text());
     QCOMPARE(balance->accessibleDescription(), balance->text());
     QVERIFY(!fixture.cell(QStringLiteral("Period"), 0)->isElided());
