@@ -965,14 +965,32 @@ void TestQuilletReport::helpDocumentsEveryCommandOptionAndExitStatus()
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.err, QByteArray());
     const QString help = run.outText();
-    for (const QString &expected :
-         {QStringLiteral("quillet-report list investments|loans"),
-          QStringLiteral("quillet-report schedule investments|loans N"),
-          QStringLiteral("--dir DIR"), QStringLiteral("In.dat"), QStringLiteral("Ln.dat"),
-          QStringLiteral("--format FORMAT"), QStringLiteral("text:"), QStringLiteral("csv:"),
-          QStringLiteral("json:"), QStringLiteral("--locale NAME"), QStringLiteral("--help"),
-          QStringLiteral("--version"), QStringLiteral("Exit status"),
-          QStringLiteral("never creates")}) {
+    for (const QString &expected : {QStringLiteral("quillet-report list investments|loans"),
+                                    QStringLiteral("quillet-report schedule investments|loans N"),
+                                    QStringLiteral("--dir DIR"),
+                                    QStringLiteral("In.dat"),
+                                    QStringLiteral("Ln.dat"),
+                                    QStringLiteral("--format FORMAT"),
+                                    QStringLiteral("text:"),
+                                    QStringLiteral("csv:"),
+                                    QStringLiteral("json:"),
+                                    QStringLiteral("--locale NAME"),
+                                    QStringLiteral("--help"),
+                                    QStringLiteral("--version"),
+                                    QStringLiteral("Exit status"),
+                                    QStringLiteral("never creates"),
+                                    QStringLiteral("quillet-report solve investment|loan"),
+                                    QStringLiteral("--total-interest T"),
+                                    QStringLiteral("--per-year N"),
+                                    QStringLiteral("quillet-report chart investments|loans N"),
+                                    QStringLiteral("--output FILE"),
+                                    QStringLiteral("--size WxH"),
+                                    QStringLiteral("CSV numbers do not follow --locale"),
+                                    QStringLiteral("Rate (%)"),
+                                    QStringLiteral("docs/quillet-report.schema.json"),
+                                    QStringLiteral("permission denied"),
+                                    QStringLiteral("symbolic link loop"),
+                                    QStringLiteral("from 1 to the")}) {
         QVERIFY2(help.contains(expected), qPrintable(expected));
     }
 }

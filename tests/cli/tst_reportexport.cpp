@@ -201,6 +201,8 @@ private slots:
     void solveGivesTheFutureValueOfTheMonthlyInvestment();
     void solveTakesRatesWithOrWithoutThePercentSign();
     void solveInJsonNamesTheSolvedFields();
+    void solveTakesNegativeValuesAfterTheirOption_data();
+    void solveTakesNegativeValuesAfterTheirOption();
     void solveLeavesAQuantityItCannotSolveEmpty();
     void solveRefusesBadInputWithOneLine_data();
     void solveRefusesBadInputWithOneLine();
@@ -587,6 +589,29 @@ void TestReportExport::solveInJsonNamesTheSolvedFields()
     QCOMPARE(payment.value(u"text").toString(), QStringLiteral("$1,264.14 "));
     QVERIFY(std::abs(payment.value(u"value").toDouble() - 1264.1360469859305) < 1e-9);
     QCOMPARE(report.value(u"perYear").toObject().value(u"stored").toInt(), 12);
+}
+
+void TestReportExport::solveTakesNegativeValuesAfterTheirOption_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("value as the next argument")
+        << args({"solve", "investment", "--initial", "10000", "--rate", "5", "--years", "10",
+                 "--payment", "-50", "--per-year", "12", "--locale", "en_US"});
+    QTest::newRow("value after an equals sign")
+        << args({"solve", "investment", "--initial=10000", "--rate=5", "--years=10",
+                 "--payment=-50", "--per-year=12", "--locale=en_US"});
+}
+
+void TestReportExport::solveTakesNegativeValuesAfterTheirOption()
+{
+    QFETCH(QStringList, arguments);
+    // 10,000 at 5 % for 10 years, 50 withdrawn each month.
+    const Run run = runReport(arguments, path());
+    QCOMPARE(run.errText(), QString());
+    QCOMPARE(run.exitCode, 0);
+    const QStringList lines = run.outText().split(u'\n');
+    QCOMPARE(lines.at(4), QStringLiteral("Payment:                ($50.00)"));
+    QCOMPARE(lines.at(6), QStringLiteral("Future Value:           $8,570.79 (computed)"));
 }
 
 void TestReportExport::solveLeavesAQuantityItCannotSolveEmpty()
