@@ -2,9 +2,14 @@
 // scenarios and on the inputs that make its loops and searches run longest,
 // plus the schedule rows a schedule window computes.
 
+#include "figuretext.h"
 #include "scenariorecord.h"
 #include "schedule.h"
 #include "solver.h"
+
+#include <QByteArray>
+#include <QLocale>
+#include <QString>
 
 #include <benchmark/benchmark.h>
 
@@ -64,6 +69,14 @@ ScenarioRecord makeRecord(const Quantities &q, std::initializer_list<Field> blan
         }
     }
     return record;
+}
+
+// A record from the bytes of its numeric fields, offsets 52 to 93 of a slot.
+ScenarioRecord recordFromFieldBytes(const char *hex)
+{
+    QByteArray slot(SlotSize, '\0');
+    slot.replace(52, 42, QByteArray::fromHex(hex));
+    return decodeRecord(slot);
 }
 
 // The value that makes a scenario consistent, 0 when the solver has none.
@@ -254,6 +267,31 @@ void registerWorstCases()
               {0, rate, 300, loanPaymentOf(amount, rate, 300, MaxPerYear), MaxPerYear, 0},
               Field::InitialAmount);
 
+    // Tiny amounts, whose subnormal arithmetic is slow in hardware. The
+    // investment of 4.4e-308 at 1e-6 for 9.9e299 years paying -5e-324 a year
+    // (as its record's bytes), and the loan of 1e-310 at 3.2767 % paying
+    // 5e-324 32,767 times a year: both run a million periods.
+    registerSolve(
+        "worst/inv/FutureValue.tiny-4.4e-308-record",
+        recordFromFieldBytes(
+            "049a0baaafa31f008dedb5a0f7c6b03e3a4b462c0bc5377e0100000000000080ffff000080a0b16dcdc1"),
+        Field::FutureValue, true);
+    loanTotal("TotalInterest.tiny-1e-310-300y-x-32767",
+              {1e-310, 0.032767, 300, 5e-324, MaxPerYear, 0});
+    loanTotal("TotalInterest.tiny-1e-310-30y-x-32767",
+              {1e-310, 0.032767, 30, 5e-324, MaxPerYear, 0});
+    // Subnormal from the first period: balance, products and payment.
+    inv("FutureValue.subnormal-1e-315-1e6y", {1e-315, 1e-6, 1e6, 5e-324, 1, 0}, Field::FutureValue);
+    // An everyday-sized tiny balance whose interest is subnormal.
+    loanTotal("TotalInterest.interest-subnormal-1e-300-300y-x-32767",
+              {1e-300, 1e-4, 300, 5e-324, MaxPerYear, 0});
+    // Amounts near the largest double: the loan whose schedule is huge.
+    registerSolve(
+        "worst/loan/TotalInterest.huge-1e303-record",
+        recordFromFieldBytes(
+            "da72d01ce354d77e9a9999999999b93f000000000000f03fda72d01ce354f7feff7f000080a0b16dcdc1"),
+        Field::FutureValue, false);
+
     // Rate searches that climb in steps of 0.1 to a rate near 1000.
     inv("IRate.climb-to-bound-1y", {1, 0, 1, 1, 1, 1e300}, Field::IRate);
     inv("IRate.climb-to-bound-30y-x-32767", {1, 0, 30, 1, MaxPerYear, 1e300}, Field::IRate);
@@ -300,6 +338,49 @@ void registerSchedules()
     })->Unit(benchmark::kMicrosecond);
 }
 
+// Display texts of huge amounts: one text by QLocale and by the fast path,
+// and every text of the 32,767-period schedule of the loan of 1e303 paying
+// -4e303 32,767 times a year, whose every cell is a 300-digit amount.
+void registerFormatting()
+{
+    const QLocale locale(QLocale::English, QLocale::UnitedStates);
+    for (const double value : {1234.5678, -4e303, 1e303}) {
+        char name[64];
+        std::snprintf(name, sizeof name, "%g", value);
+        benchmark::RegisterBenchmark((std::string("format/currency-qlocale/") + name).c_str(),
+                                     [value, locale](benchmark::State &state) {
+                                         for (auto _ : state)
+                                             benchmark::DoNotOptimize(
+                                                 locale.toCurrencyString(value, QString(), 2));
+                                     })
+            ->Unit(benchmark::kMicrosecond);
+        benchmark::RegisterBenchmark((std::string("format/currency-fast/") + name).c_str(),
+                                     [value, locale](benchmark::State &state) {
+                                         for (auto _ : state)
+                                             benchmark::DoNotOptimize(currencyText(value, locale));
+                                     })
+            ->Unit(benchmark::kMicrosecond);
+    }
+
+    constexpr int Periods = MaxPerYear;
+    const ScheduleStart huge{1e303, 0.1, -4e303, MaxPerYear};
+    benchmark::RegisterBenchmark(
+        "format/loan-schedule-32767-huge-all-texts",
+        [huge, locale](benchmark::State &state) {
+            qsizetype characters = 0;
+            for (auto _ : state) {
+                characters = 0;
+                for (const LoanScheduleRow &row : LoanSchedule::rows(huge, 1, Periods)) {
+                    for (const double value : {row.principal, row.interest, row.cumulativePrincipal,
+                                               row.cumulativeInterest, row.balance})
+                        characters += currencyText(value, locale).size();
+                }
+            }
+            state.SetLabel(std::to_string(characters) + " characters");
+        })
+        ->Unit(benchmark::kMillisecond);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -307,6 +388,7 @@ int main(int argc, char **argv)
     registerScenarios();
     registerWorstCases();
     registerSchedules();
+    registerFormatting();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -1,5 +1,7 @@
 #include "displaytext.h"
 
+#include "figuretext.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -31,11 +33,16 @@ QString FormatValue(Field field, double value, bool ok)
     case Field::InitialAmount:
     case Field::Payment:
     case Field::FutureValue:
-        return locale.toCurrencyString(value, QString(), 2) + u' ';
-    case Field::IRate:
-        return locale.toString(value * 100, 'f', 2) + u"% ";
+        return currencyText(value, locale) + u' ';
+    case Field::IRate: {
+        // A rate near the largest double has no percentage to show.
+        const double percent = value * 100;
+        if (!std::isfinite(percent))
+            return {};
+        return numberText(percent, 2, locale) + u"% ";
+    }
     case Field::Years:
-        return locale.toString(value, 'f', 1) + u' ';
+        return numberText(value, 1, locale) + u' ';
     case Field::Desc:
     case Field::PerYear:
         break;
@@ -52,7 +59,7 @@ QString PadNum(double value, int width)
             blanks += u' ';
         limit = limit / 10;
     }
-    return blanks + QLocale().toString(value, 'f', 0);
+    return blanks + numberText(value, 0);
 }
 
 QString RemoveText(const QString &s, const QString &t)

@@ -32,7 +32,8 @@ FieldDisplay FieldText(const ScenarioRecord &record, Field field, bool investmen
 // Amounts in the locale's currency with 2 decimals, rates as percentages with
 // 2 decimals, years with 1 decimal, each followed by a blank that keeps the
 // right-aligned text off the cell border ("% " for rates). Empty when not ok,
-// and for a value that is not finite.
+// and for a value whose figure is not finite (a rate whose percentage
+// overflows too). Fast for amounts of any size (see figuretext.h).
 QString FormatValue(Field field, double value, bool ok);
 
 // A whole number right-justified for `width` digits with leading blanks; the
