@@ -84,6 +84,8 @@ private slots:
     void investmentWindowIsLaidOutInTwips();
     void loanWindowIsLaidOutInTwips_data();
     void loanWindowIsLaidOutInTwips();
+    void everyFieldLabelAndRowIsOnItsTwips_data();
+    void everyFieldLabelAndRowIsOnItsTwips();
     void loanPrincipalFiguresStand45TwipsHigher();
     void lastRowEndsInsideTheWindow();
     void captionsHeadingsAndToolTips();
@@ -232,6 +234,63 @@ void TestScheduleWindows::loanWindowIsLaidOutInTwips()
     QVERIFY(window);
     QCOMPARE(window->objectName(), QStringLiteral("Loanamort"));
     QCOMPARE(window->size(), QSize(697, 488));
+    QWidget *widget = fixture.find(name);
+    QVERIFY2(widget, qPrintable(name));
+    QVERIFY2(near(widget->geometry(), pixels), describe(widget->geometry()).constData());
+}
+
+void TestScheduleWindows::everyFieldLabelAndRowIsOnItsTwips_data()
+{
+    QTest::addColumn<bool>("investments");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QRect>("pixels");
+
+    // Fields and their labels, top to bottom, 24 pixels (360 twips) apart.
+    const QStringList investmentFields = {u"Desc"_s,       u"InitialAmount"_s, u"Yield"_s,
+                                          u"Years"_s,      u"Payment"_s,       u"PerYear"_s,
+                                          u"FutureValue"_s};
+    const QStringList loanFields = {u"Desc"_s,    u"InitialAmount"_s, u"IRate"_s,        u"Years"_s,
+                                    u"PerYear"_s, u"Payment"_s,       u"TotalInterest"_s};
+    for (int k = 0; k < 7; ++k) {
+        const QRect field(220, 3 + 24 * k, 321, 22);
+        const QRect label = k == 0 ? QRect(8, 6, 205, 16) : QRect(8, 3 + 24 * k, 205, 19);
+        for (const bool investments : {true, false}) {
+            const QString name = (investments ? investmentFields : loanFields)[k];
+            const char *window = investments ? "InvAmort " : "Loanamort ";
+            QTest::addRow("%s%s", window, qPrintable(name)) << investments << name << field;
+            QTest::addRow("%slbl%s", window, qPrintable(name))
+                << investments << u"lbl"_s + name << label;
+        }
+    }
+    // Every row of every column: 21 pixels (315 twips) apart, 22 high.
+    const QList<std::pair<QString, QRect>> investmentColumns = {
+        {u"Period"_s, QRect(8, 228, 37, 22)},
+        {u"Earnings"_s, QRect(96, 228, 145, 22)},
+        {u"CumEarnings"_s, QRect(276, 228, 173, 22)},
+        {u"TotEarnings"_s, QRect(476, 228, 193, 22)}};
+    const QList<std::pair<QString, QRect>> loanColumns = {
+        {u"Period"_s, QRect(8, 228, 37, 22)},         {u"Principal"_s, QRect(68, 225, 93, 22)},
+        {u"Interest"_s, QRect(176, 228, 93, 22)},     {u"CumPrincipal"_s, QRect(284, 228, 120, 22)},
+        {u"CumInterest"_s, QRect(416, 228, 120, 22)}, {u"ReBalance"_s, QRect(548, 228, 120, 22)}};
+    for (const bool investments : {true, false}) {
+        for (const auto &[column, first] : investments ? investmentColumns : loanColumns) {
+            for (int row = 0; row < 12; ++row) {
+                const QString name = QStringLiteral("%1(%2)").arg(column).arg(row);
+                QTest::addRow("%s%s", investments ? "InvAmort " : "Loanamort ", qPrintable(name))
+                    << investments << name << first.translated(0, 21 * row);
+            }
+        }
+    }
+}
+
+void TestScheduleWindows::everyFieldLabelAndRowIsOnItsTwips()
+{
+    QFETCH(bool, investments);
+    QFETCH(QString, name);
+    QFETCH(QRect, pixels);
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({thirteenYears()}, {mortgage()}));
+    QVERIFY(fixture.open(investments ? ListKind::Investments : ListKind::Loans, 1));
     QWidget *widget = fixture.find(name);
     QVERIFY2(widget, qPrintable(name));
     QVERIFY2(near(widget->geometry(), pixels), describe(widget->geometry()).constData());
