@@ -4,6 +4,7 @@
 
 #include <QFont>
 #include <QPainter>
+#include <QRawFont>
 #include <QSaveFile>
 #include <QString>
 
@@ -39,10 +40,12 @@ protected:
 
 private:
     double pixels(double twips) const { return twips * m_pixelsPerTwip; }
+    void applyFont();
 
     QPainter m_painter;
     QPagedPaintDevice *m_device = nullptr;
     QFont m_font;
+    QRawFont m_rawFont;
     double m_pixelsPerTwip = 1;
     double m_pageHeight = 0;
     double m_lineHeight = 0;
