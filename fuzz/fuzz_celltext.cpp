@@ -124,6 +124,7 @@ void typeInto(GridColumn column, const QString &text)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    const fuzz::CurrentInput current(data, size);
     if (size < 1)
         return 0;
     // The first byte picks the locale; the rest is the typed text.

@@ -77,6 +77,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    const fuzz::CurrentInput current(data, size);
     const QByteArrayView bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     const std::vector<ScenarioRecord> records = decodeListBytes(bytes);
     fuzz::check(static_cast<qint64>(records.size()) ==

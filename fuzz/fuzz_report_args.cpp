@@ -63,7 +63,7 @@ void writeLists(const QString &folder)
          {std::pair{"In.dat", investments}, std::pair{"Ln.dat", loans}}) {
         QFile file(QDir(folder).filePath(QString::fromLatin1(name)));
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            fuzz::fail(QStringLiteral("cannot write the scratch lists in %1").arg(folder));
+            fuzz::fatal(QStringLiteral("cannot write the scratch lists in %1").arg(folder));
     }
 }
 
@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
     static QApplication app(*argc, *argv);
     scratch = new QTemporaryDir;
     if (!scratch->isValid())
-        fuzz::fail(QStringLiteral("no scratch folder"));
+        fuzz::fatal(QStringLiteral("no scratch folder"));
     writeLists(scratch->path());
     QDir::setCurrent(scratch->path());
     return 0;
@@ -100,6 +100,7 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    const fuzz::CurrentInput current(data, size);
     const QString input =
         QString::fromUtf8(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     QStringList arguments{QStringLiteral("quillet-report")};

@@ -130,6 +130,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    const fuzz::CurrentInput current(data, size);
     // One record as a list file holds it; Spare, which the program never
     // reads, picks the page in the middle.
     const ScenarioRecord record =
