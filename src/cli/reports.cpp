@@ -90,6 +90,9 @@ QString gridPerYear(const ScenarioRecord &record)
 // The schedule windows' currency text: the cell's, without its trailing blank.
 QString currency(double value)
 {
+    // A figure that is not finite shows no text, as in the grid.
+    if (!std::isfinite(value))
+        return {};
     return scheduleAmountText(value);
 }
 

@@ -195,6 +195,7 @@ private slots:
     void everyJsonOutputMatchesTheSchema_data();
     void everyJsonOutputMatchesTheSchema();
     void computedListsAgreeWithTheFieldFlags();
+    void amountsBeyondADoubleShowNoText();
     void loansCallTheirFifthQuantityTotalInterest();
 
     void solveGivesThePublishedMortgagePayment();
@@ -496,6 +497,33 @@ void TestReportExport::computedListsAgreeWithTheFieldFlags()
     QCOMPARE(
         unsolvable.value(u"fields").toObject().value(u"FutureValue").toObject().value(u"computed"),
         QJsonValue(false));
+}
+
+void TestReportExport::amountsBeyondADoubleShowNoText()
+{
+    // 1e308 earning 500 % a year overflows in the first period.
+    QVERIFY(writeList(file(InvestmentsFile),
+                      {scenario(QStringLiteral("Overflow"), 1e308, 5, 2, 0, 1, Blank)}));
+    const Run text = runReport(args({"schedule", "investments", "1", "--locale", "en_US"}), path());
+    QCOMPARE(text.exitCode, 0);
+    const QStringList lines = text.outText().chopped(1).split(u'\n');
+    QCOMPARE(lines.mid(lines.size() - 3),
+             QStringList({QStringLiteral("Period  Earnings  Cumulative Earnings  Total Earnings "
+                                         "and Payments"),
+                          QStringLiteral("     1"), QStringLiteral("     2")}));
+    QVERIFY(!text.out.contains("inf"));
+
+    const Run json = this->json(args({"schedule", "investments", "1"}));
+    QCOMPARE(json.exitCode, 0);
+    QVERIFY(!json.out.contains("inf"));
+    const QJsonObject first = parseObject(json.out).value(u"rows").toArray().first().toObject();
+    QCOMPARE(first.value(u"balance").toObject().value(u"text").toString(), QString());
+    QVERIFY(first.value(u"balance").toObject().value(u"value").isNull());
+    QVERIFY2(schemaErrors(json.out).isEmpty(), qPrintable(schemaErrors(json.out)));
+
+    const Run csv = runReport(args({"schedule", "investments", "1", "--format", "csv"}), path());
+    QCOMPARE(csv.outText(), QStringLiteral("Period,Earnings,Cumulative Earnings,Total Earnings "
+                                           "and Payments\r\n1,,,\r\n2,,,\r\n"));
 }
 
 void TestReportExport::loansCallTheirFifthQuantityTotalInterest()
