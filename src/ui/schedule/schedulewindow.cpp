@@ -335,7 +335,8 @@ void ScheduleWindow::updateAccessibleName(HeaderField *box)
 {
     QString name = fieldName(m_captions.at(indexOf(box->field()))->text());
     if (box->isBold())
-        name += QStringLiteral(", calculated");
+        name += box->text().isEmpty() ? QStringLiteral(", calculated, no value")
+                                      : QStringLiteral(", calculated");
     box->setAccessibleName(name);
 }
 
@@ -418,7 +419,7 @@ bool ScheduleWindow::field_KeyPress(HeaderField *box, const QKeyEvent *event)
         if (!VScroll1->isHidden()) {
             VScroll1->setFocus();
             // Without an active window no focus event came: leave it here.
-            if (box->hasFocus() || m_editing == box)
+            if (box->hasEditLook() || box->DataChanged())
                 field_LostFocus(box);
         } else {
             field_LostFocus(box);
@@ -491,12 +492,14 @@ bool ScheduleWindow::saveField(HeaderField *box)
 
 void ScheduleWindow::endEdit()
 {
+    // The window's own focus field, also while another window is active.
     auto *box = qobject_cast<HeaderField *>(focusWidget());
-    if (!box || !box->hasFocus())
+    if (!box || (!box->hasEditLook() && !box->DataChanged()))
         return;
-    if (!VScroll1->isHidden())
+    if (!VScroll1->isHidden() && isActiveWindow())
         VScroll1->setFocus();
-    if (box->hasFocus() || m_editing == box)
+    // Without an active window no focus event came: the field is left here.
+    if (box->hasEditLook() || box->DataChanged())
         field_LostFocus(box);
 }
 
