@@ -67,6 +67,7 @@ private slots:
     void wheelWhileEditingSavesTheEditFirst();
     void clickingTheScrollBarWhileEditingSavesTheEditFirst();
     void closingTheWindowSavesTheFieldBeingEdited();
+    void closingEveryWindowFromElsewhereSavesTheFieldBeingEdited();
     void editsAreNotUndoable();
 
 private:
@@ -547,6 +548,32 @@ void TestScheduleEditing::closingTheWindowSavesTheFieldBeingEdited()
     QVERIFY(window->isHidden());
     ScenarioRecord expected = plan();
     expected.Payment = 75;
+    QCOMPARE(fileBytes(InDat), recordsBytes({expected}));
+}
+
+void TestScheduleEditing::closingEveryWindowFromElsewhereSavesTheFieldBeingEdited()
+{
+    // As at logout: the user has gone to another window, and every window
+    // is closed.
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({plan()}));
+    ScheduleWindow *window = fixture.open(ListKind::Investments, 1);
+    HeaderField *payment = fixture.field(QStringLiteral("Payment"));
+    QTest::mouseClick(payment, Qt::LeftButton);
+    QTest::keyClick(payment, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(payment, QStringLiteral("80"));
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&elsewhere));
+    QVERIFY(!window->isActiveWindow());
+    QVERIFY(payment->hasEditLook());
+    QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
+
+    QApplication::closeAllWindows();
+    QVERIFY(window->isHidden());
+    ScenarioRecord expected = plan();
+    expected.Payment = 80;
     QCOMPARE(fileBytes(InDat), recordsBytes({expected}));
 }
 

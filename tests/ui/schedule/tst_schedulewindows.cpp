@@ -738,6 +738,8 @@ void TestScheduleWindows::emptyYearsTextKeepsThePreviousPeriodCount()
     QVERIFY(fixture.open(ListKind::Investments, 2));
     QCOMPARE(fixture.field(QStringLiteral("Years"))->text(), QString());
     QVERIFY(fixture.field(QStringLiteral("Years"))->isBold());
+    QCOMPARE(fixture.field(QStringLiteral("Years"))->accessibleName(),
+             QStringLiteral("Years, calculated, no value"));
     QCOMPARE(fixture.session().PeriodCount, qint16(13));
     QVERIFY(fixture.scrollBar()->isVisible());
     // This scenario's table, as long as the one before.
