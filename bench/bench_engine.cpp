@@ -285,6 +285,11 @@ void registerWorstCases()
     // An everyday-sized tiny balance whose interest is subnormal.
     loanTotal("TotalInterest.interest-subnormal-1e-300-300y-x-32767",
               {1e-300, 1e-4, 300, 5e-324, MaxPerYear, 0});
+    // A tiny loan that borrows 1e-305 more each period: its balance is
+    // normal, its interest subnormal and its payment too large to carry in
+    // integers, so the hardware computes every period. The slowest found.
+    loanTotal("TotalInterest.borrowing-1e-305-more-from-1e-310-300y-x-32767",
+              {1e-310, 3.2767e-5, 300, -1e-305, MaxPerYear, 0});
     // Amounts near the largest double: the loan whose schedule is huge.
     registerSolve(
         "worst/loan/TotalInterest.huge-1e303-record",
