@@ -388,7 +388,7 @@ Status ScenarioFile::rewrite(const QByteArray &contents, int newCount)
     m_calls->close(m_fd);
     m_fd = -1;
     m_count = newCount;
-    const Status reopened = openHandle();
+    Status reopened = openHandle();
     if (m_fd < 0) {
         // The change is made; the next use of the list opens it again.
         const QString why = m_why;
