@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <cmath>
 #include <bit>
 #include <limits>
 
@@ -202,6 +203,9 @@ std::vector<LoanScheduleRow> ScheduleCheckpoints::loanRows(const ScheduleStart &
 
 QString scheduleAmountText(double value)
 {
+    // A figure that is not finite has no text, as in the grid.
+    if (!std::isfinite(value))
+        return {};
     return QLocale().toCurrencyString(value, QString(), 2);
 }
 

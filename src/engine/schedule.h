@@ -172,8 +172,8 @@ private:
 };
 
 // The texts of a schedule's table, the same in the windows, the printouts and
-// quillet-report: amounts in the locale's currency with 2 decimals, period
-// numbers right-justified for 4 digits.
+// quillet-report: amounts in the locale's currency with 2 decimals (none for
+// a figure that is not finite), period numbers right-justified for 4 digits.
 QString scheduleAmountText(double value);
 QString schedulePeriodText(int period);
 

@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -723,6 +724,9 @@ void TestSchedule::amountTextsAreTheLocaleCurrencyWithTwoDecimals()
     QCOMPARE(scheduleAmountText(1234.565), QStringLiteral("$1,234.57"));
     QCOMPARE(scheduleAmountText(0), QStringLiteral("$0.00"));
     QCOMPARE(scheduleAmountText(-200), QStringLiteral("($200.00)"));
+    QCOMPARE(scheduleAmountText(std::numeric_limits<double>::infinity()), QString());
+    QCOMPARE(scheduleAmountText(-std::numeric_limits<double>::infinity()), QString());
+    QCOMPARE(scheduleAmountText(std::numeric_limits<double>::quiet_NaN()), QString());
     QCOMPARE(schedulePeriodText(7), QStringLiteral("   7"));
     QCOMPARE(schedulePeriodText(1000), QStringLiteral("1,000"));
     const DefaultLocale pinned(germany());
