@@ -10,7 +10,8 @@ QUILLET_PACKAGES=(
     qt6-base-dev            # Qt Core, Gui, Widgets, PrintSupport, Test
     fonts-liberation        # metric-compatible Arial and Courier faces
     libbenchmark-dev        # the benchmarks under bench/
-    xvfb xauth xdotool imagemagick   # a real window for scripts/screenshot
+    xvfb xauth xdotool imagemagick   # a real window for scripts/screenshot and the end-to-end test
+    python3 e2fsprogs       # the end-to-end test's driver; chattr makes its read-only list
     qt6-charts-dev qt6-svg-dev libqt6opengl6-dev   # quillet-report chart (Charts needs OpenGL's CMake files)
     python3-jsonschema      # the report tests validate every JSON output against its schema
     poppler-utils           # pdftotext and pdfinfo read the printouts back in the tests

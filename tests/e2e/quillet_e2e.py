@@ -1,0 +1,733 @@
+#!/usr/bin/env python3
+"""Quillet end to end, as a person uses it.
+
+Starts the real quillet under an X server of its own (Xvfb, no window
+manager, so every window sits where the program puts it) in a temporary
+directory, and drives it with xdotool: clicks at the laid-out positions,
+typing, Tab, Enter, Escape and the mouse wheel. After each step the list
+files' bytes are compared with the records the step must leave, and a
+screenshot of each window is kept under the artifacts directory.
+
+usage: quillet_e2e.py QUILLET ARTIFACTS-DIR
+Exits 0 when every scenario passes, 1 on a failure, 77 when Xvfb, xdotool or
+ImageMagick is missing.
+"""
+
+import os
+import select
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+
+TWIPS_PER_PIXEL = 15  # 1440 twips an inch at 96 dots an inch
+BLANK = -987456321.0
+SLOT = 148
+WAIT_SECONDS = 15  # the longest any step may take to show its effect
+
+# Rectangles in twips (left, top, width, height), relative to each window's
+# client area.
+ADD_NEW = (0, 0, 1035, 600)
+COPY = (1030, 0, 1035, 600)
+DELETE = (2070, 0, 1035, 600)
+UNDO = (3100, 0, 1035, 600)
+MOVE_UP = (4140, 0, 1035, 600)
+MOVE_DOWN = (5180, 0, 1035, 600)
+AMORTIZE = (6210, 0, 1035, 600)
+PRINT = (7250, 0, 1035, 600)
+EXIT = (10260, 0, 1035, 600)
+INVESTMENTS = (340, 765, 1695, 405)
+LOANS = (2080, 765, 1695, 405)
+COLUMNS = {  # left, width of the grid's columns
+    'Sel': (60, 263),
+    'Desc': (340, 3200),
+    'InitialAmount': (3540, 1695),
+    'Yield': (5220, 1215),
+    'Years': (6420, 615),
+    'Payment': (7020, 1530),
+    'PerYear': (8520, 910),
+    'FutureValue': (9420, 1575),
+}
+SCHEDULE_YEARS = (3300, 1125, 4815, 330)
+SCHEDULE_PRINT = (8340, 90, 1635, 1050)
+SCHEDULE_EXIT = (8340, 1440, 1635, 1050)
+
+
+def cell(column, row):
+    """The rectangle of a grid cell, row 1 to 14."""
+    left, width = COLUMNS[column]
+    return (left, 1530 + 270 * (row - 1), width, 285)
+
+
+def pixels(twips):
+    return twips // TWIPS_PER_PIXEL
+
+
+class Failure(Exception):
+    pass
+
+
+# ---------------------------------------------------------------- records
+
+def record(desc=b'', amount=BLANK, rate=BLANK, years=BLANK, payment=BLANK, per_year=-1,
+           fifth=BLANK):
+    data = struct.pack('<h50sddddhd', 0, desc.ljust(50), amount, rate, years, payment,
+                       per_year, fifth)
+    return data + bytes(SLOT - len(data))
+
+
+def replaced(rec, **fields):
+    """The record with some fields changed; the names are the file's."""
+    spare, desc, amount, rate, years, payment, per_year, fifth = struct.unpack_from(
+        '<h50sddddhd', rec)
+    values = dict(desc=desc, amount=amount, rate=rate, years=years, payment=payment,
+                  per_year=per_year, fifth=fifth)
+    values.update(fields)
+    if isinstance(values['desc'], str):
+        values['desc'] = values['desc'].encode('cp1252')
+    return record(**values)
+
+
+def describe(data):
+    """A list file's records as text, for failure messages."""
+    lines = []
+    for n in range(0, len(data), SLOT):
+        slot = data[n:n + SLOT]
+        if len(slot) < 94:
+            lines.append('  %d: %d stray bytes' % (n // SLOT + 1, len(slot)))
+            continue
+        _, desc, *numbers = struct.unpack_from('<h50sddddhd', slot)
+        lines.append('  %d: %r %s' % (n // SLOT + 1, desc.rstrip().decode('cp1252'),
+                                      ' '.join('blank' if v == BLANK else repr(v)
+                                               for v in numbers)))
+    return '\n'.join(lines) or '  (empty)'
+
+
+def write_list(path, records):
+    with open(path, 'wb') as f:
+        f.write(b''.join(records))
+
+
+# ------------------------------------------------------------- the display
+
+class Display:
+    """Xvfb on a display number of its own choosing."""
+
+    def __init__(self, workdir):
+        # The server writes its number again whenever it resets: -noreset
+        # keeps it from resetting when its last client leaves, and the pipe
+        # stays open as long as the server runs.
+        self.pipe, write_end = os.pipe()
+        self.log = open(os.path.join(workdir, 'xvfb.log'), 'wb')
+        self.process = subprocess.Popen(
+            ['Xvfb', '-displayfd', str(write_end), '-screen', '0', '1024x768x24',
+             '-nolisten', 'tcp', '-noreset'],
+            pass_fds=(write_end,), stdout=self.log, stderr=subprocess.STDOUT)
+        os.close(write_end)
+        ready, _, _ = select.select([self.pipe], [], [], WAIT_SECONDS)
+        number = os.read(self.pipe, 64).decode().strip() if ready else ''
+        if not number:
+            self.close()
+            raise Failure('Xvfb did not start')
+        self.name = ':' + number
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.terminate()
+            self.process.wait(10)
+        self.log.close()
+        os.close(self.pipe)
+
+
+class Desktop:
+    """What a person does with mouse and keyboard, and what they see."""
+
+    def __init__(self, display, artifacts):
+        self.env = dict(os.environ, DISPLAY=display.name)
+        self.env.pop('QT_QPA_PLATFORM', None)
+        self.artifacts = artifacts
+
+    def xdotool(self, *args, timeout=WAIT_SECONDS):
+        try:
+            result = subprocess.run(['xdotool', *map(str, args)], env=self.env,
+                                    capture_output=True, text=True, timeout=timeout)
+        except subprocess.TimeoutExpired:
+            raise Failure('xdotool %s: nothing after %d s' % (' '.join(map(str, args)), timeout))
+        if result.returncode != 0 and args[0] != 'search':
+            raise Failure('xdotool %s failed: %s' % (' '.join(map(str, args)), result.stderr))
+        return result.stdout
+
+    def visible(self, title):
+        out = self.xdotool('search', '--onlyvisible', '--name', '^%s$' % title)
+        return [line for line in out.split() if line]
+
+    def wait_window(self, title):
+        """The window with that title, once it is shown."""
+        deadline = time.monotonic() + WAIT_SECONDS
+        while time.monotonic() < deadline:
+            windows = self.visible(title)
+            if windows:
+                return windows[-1]
+            time.sleep(0.05)
+        raise Failure('no window "%s" appeared' % title)
+
+    def wait_gone(self, title):
+        deadline = time.monotonic() + WAIT_SECONDS
+        while time.monotonic() < deadline:
+            if not self.visible(title):
+                return
+            time.sleep(0.05)
+        raise Failure('the window "%s" did not close' % title)
+
+    def click(self, window, rect, button=1):
+        left, top, width, height = rect
+        self.xdotool('mousemove', '--window', window, pixels(left + width // 2),
+                     pixels(top + height // 2), 'click', button)
+
+    def wheel(self, window, rect, notches):
+        """Turns the wheel over a point: down for positive notches."""
+        left, top, width, height = rect
+        self.xdotool('mousemove', '--window', window, pixels(left + width // 2),
+                     pixels(top + height // 2))
+        self.xdotool('click', '--repeat', abs(notches), 5 if notches > 0 else 4)
+
+    def focus(self, window):
+        """Keyboard focus on the window, as a click on it gives. Keys then go
+        through the same input queue as the clicks before them, so they
+        arrive after them."""
+        if self.xdotool('getwindowfocus').strip() != str(window):
+            self.xdotool('windowfocus', '--sync', window)
+
+    def key(self, window, *keys):
+        self.focus(window)
+        self.xdotool('key', *keys)
+
+    def answer(self, window, title, key):
+        """A key that closes a dialog, pressed again while the dialog stays:
+        a file dialog shown a moment ago may not take its first key yet."""
+        deadline = time.monotonic() + WAIT_SECONDS
+        while time.monotonic() < deadline:
+            self.key(window, key)
+            pressed = time.monotonic()
+            while time.monotonic() < pressed + 0.5:
+                if window not in self.visible(title):
+                    return
+                time.sleep(0.05)
+        raise Failure('the window "%s" did not close on %s' % (title, key))
+
+    def type(self, window, text):
+        self.focus(window)
+        self.xdotool('type', '--delay', 5, text)
+
+    def pixel_hash(self, path):
+        return subprocess.run(['identify', '-format', '%#', path], capture_output=True,
+                              text=True, check=True).stdout
+
+    def screenshot(self, window, name, ready=None):
+        """A picture of the window once it shows what ready() looks for, or,
+        without ready, once it has stopped changing. After WAIT_SECONDS the
+        last picture is kept for the caller's checks to say what is wrong."""
+        path = os.path.join(self.artifacts, name + '.png')
+        deadline = time.monotonic() + WAIT_SECONDS
+        previous = None
+        while True:
+            subprocess.run(['import', '-window', window, path], env=self.env, check=True,
+                           capture_output=True)
+            if ready is not None:
+                if ready(path):
+                    return path
+            else:
+                current = self.pixel_hash(path)
+                if current == previous:
+                    return path
+                previous = current
+            if time.monotonic() > deadline:
+                return path
+            time.sleep(0.05)
+
+
+def stroke_width(png, rect):
+    """The mean length of the dark runs along the rows of a cell's text: about
+    1.3 pixels for Arial 9 pt regular, about 2 for bold."""
+    left, top, width, height = (pixels(v) for v in rect)
+    x, y, w, h = left + 2, top + 2, width - 4, height - 4
+    raw = subprocess.run(['convert', png, '-crop', '%dx%d+%d+%d' % (w, h, x, y), '+repage',
+                          '-colorspace', 'Gray', '-depth', '8', 'gray:-'],
+                         capture_output=True, check=True).stdout
+    runs = []
+    for r in range(h):
+        length = 0
+        for value in raw[r * w:(r + 1) * w]:
+            if value < 110:
+                length += 1
+            elif length:
+                runs.append(length)
+                length = 0
+        if length:
+            runs.append(length)
+    return sum(runs) / len(runs) if runs else 0.0
+
+
+def is_bold(png, rect):
+    return stroke_width(png, rect) >= 1.65
+
+
+def expect_bold(png, rect, what):
+    width = stroke_width(png, rect)
+    if width < 1.65:
+        raise Failure('%s is not bold (strokes %.2f px wide) in %s' % (what, width, png))
+
+
+def expect_regular(png, rect, what):
+    width = stroke_width(png, rect)
+    if width == 0:
+        raise Failure('%s shows nothing in %s' % (what, png))
+    if width >= 1.65:
+        raise Failure('%s is bold (strokes %.2f px wide) in %s' % (what, width, png))
+
+
+def expect_file(path, records, step):
+    """Waits for the file to hold exactly these records."""
+    expected = b''.join(records)
+    deadline = time.monotonic() + WAIT_SECONDS
+    actual = None
+    while time.monotonic() < deadline:
+        try:
+            with open(path, 'rb') as f:
+                actual = f.read()
+        except FileNotFoundError:
+            actual = None
+        if actual == expected:
+            return
+        time.sleep(0.02)
+    raise Failure('%s: %s holds\n%s\nexpected\n%s' % (
+        step, os.path.basename(path), describe(actual or b''), describe(expected)))
+
+
+def expect_unchanged(path, records, step):
+    """The file holds these records and keeps them while the program works."""
+    expect_file(path, records, step)
+    with open(path, 'rb') as f:
+        if f.read() != b''.join(records):
+            raise Failure('%s: %s changed' % (step, os.path.basename(path)))
+
+
+def wait_for_pdf(path, step):
+    deadline = time.monotonic() + WAIT_SECONDS
+    while time.monotonic() < deadline:
+        if os.path.exists(path):
+            with open(path, 'rb') as f:
+                data = f.read()
+            if data.startswith(b'%PDF-') and data.rstrip().endswith(b'%%EOF'):
+                return data
+        time.sleep(0.05)
+    raise Failure('%s: no complete PDF %s' % (step, path))
+
+
+def pdf_text(path):
+    if not shutil.which('pdftotext'):
+        return None
+    return subprocess.run(['pdftotext', '-layout', path, '-'], capture_output=True, text=True,
+                          check=True).stdout
+
+
+# --------------------------------------------------------------- Quillet
+
+class Quillet:
+    def __init__(self, desktop, program, folder, user=None):
+        self.desktop = desktop
+        self.folder = folder
+        env = dict(desktop.env, LC_ALL='en_US.UTF-8', LANG='en_US.UTF-8',
+                   # No printing system: Print must offer a PDF.
+                   CUPS_SERVER=os.path.join(folder, 'no-cups.sock'))
+        command = [program]
+        if user:
+            command = ['setpriv', '--reuid=%s' % user, '--regid=%s' % user, '--clear-groups',
+                       '--'] + command
+        self.log = open(os.path.join(folder, '..', os.path.basename(folder) + '.log'), 'wb')
+        self.process = subprocess.Popen(command, cwd=folder, env=env, stdout=self.log,
+                                        stderr=subprocess.STDOUT)
+
+    def main_window(self):
+        return self.desktop.wait_window('Fennrow')
+
+    def wait_exit(self):
+        try:
+            return self.process.wait(WAIT_SECONDS)
+        except subprocess.TimeoutExpired:
+            raise Failure('quillet did not end')
+
+    def kill(self):
+        if self.process.poll() is None:
+            self.process.kill()
+            self.process.wait(10)
+        self.log.close()
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+
+def answer_pdf_dialogs(desktop, shot_prefix):
+    """No printer: the program says so and offers a PDF; the person accepts
+    and keeps the proposed file name."""
+    question = desktop.wait_window('Quillet')
+    desktop.screenshot(question, shot_prefix + '-no-printer')
+    desktop.answer(question, 'Quillet', 'Return')
+    dialog = desktop.wait_window('Save the Printout as PDF')
+    desktop.screenshot(dialog, shot_prefix + '-save-dialog')
+    desktop.answer(dialog, 'Save the Printout as PDF', 'Return')
+
+
+# -------------------------------------------------------------- scenarios
+
+RETIREMENT = record(b'Retirement', 1000.0, 0.12, 10.0, 100.0, 12)
+COLLEGE = record(b'College', 0.0, 0.04, 3.0, BLANK, 4, 100000.0)
+SAVINGS = record(b'Savings', 5000.0, 0.05, 10.0, 50.0, 12)
+BLANK_RECORD = record()
+LOANS_LIST = [record(b'House', 100000.0, 0.05, 30.0, BLANK, 12)] + [
+    record(('Loan %d' % n).encode(), 1000.0 * n, 0.06, 5.0, BLANK, 12) for n in range(2, 21)]
+
+
+def the_working_day(desktop, program, work):
+    """One session: the typical edit, the list commands, both lists, the
+    wheel, both schedules, printing, a second copy refused, and Exit."""
+    folder = os.path.join(work, 'day')
+    os.mkdir(folder)
+    investments = [RETIREMENT, COLLEGE, SAVINGS]
+    loans = list(LOANS_LIST)
+    write_list(os.path.join(folder, 'In.dat'), investments)
+    write_list(os.path.join(folder, 'Ln.dat'), loans)
+    app = Quillet(desktop, program, folder)
+    try:
+        main = app.main_window()
+        in_dat, ln_dat = app.path('In.dat'), app.path('Ln.dat')
+        shot = desktop.screenshot(main, '01-main-at-start',
+                                  lambda png: is_bold(png, cell('FutureValue', 3)))
+        expect_bold(shot, cell('FutureValue', 3), 'the blank future value of row 3')
+        expect_regular(shot, cell('Payment', 3), 'the stored payment of row 3')
+        step('the window opens on the investments, the blank future values in bold')
+
+        # The typical edit: a payment typed in row 3, left with Enter.
+        desktop.click(main, cell('Payment', 3))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, '100')
+        desktop.key(main, 'Return')
+        investments[2] = replaced(SAVINGS, payment=100.0)
+        expect_file(in_dat, investments, 'payment typed in row 3')
+        before = crop_hash(shot, cell('FutureValue', 3))
+        shot = desktop.screenshot(
+            main, '02-payment-typed-in-row-3',
+            lambda png: crop_hash(png, cell('FutureValue', 3)) != before and
+            is_bold(png, cell('FutureValue', 3)))
+        if crop_hash(shot, cell('FutureValue', 3)) == before:
+            raise Failure('the future value of row 3 was not recomputed')
+        expect_bold(shot, cell('FutureValue', 3), 'the recomputed future value of row 3')
+        expect_regular(shot, cell('Payment', 3), 'the typed payment of row 3')
+        step('a payment typed in row 3 is on disk and its future value recomputed in bold')
+
+        # Escape discards what was typed.
+        desktop.click(main, cell('Desc', 1))
+        desktop.type(main, 'Typed, then Escape')
+        desktop.key(main, 'Escape')
+        # Tab leaves a cell as the mouse does: what was typed is stored.
+        desktop.click(main, cell('Years', 2))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, '4')
+        desktop.key(main, 'Tab')
+        investments[1] = replaced(COLLEGE, years=4.0)
+        expect_file(in_dat, investments, 'years typed in row 2 and left with Tab')
+        shot = desktop.screenshot(main, '03-escape-and-tab')
+        expect_bold(shot, cell('Payment', 2), 'the recomputed payment of row 2')
+        step('Escape discards the typing, Tab stores it')
+
+        payment_typed = investments[2]
+        years_typed = investments[1]
+        desktop.click(main, ADD_NEW)
+        investments = [RETIREMENT, years_typed, payment_typed, BLANK_RECORD]
+        expect_file(in_dat, investments, 'Add New')
+        desktop.click(main, cell('Sel', 2))
+        desktop.click(main, COPY)
+        investments = [RETIREMENT, years_typed, payment_typed, BLANK_RECORD, years_typed]
+        expect_file(in_dat, investments, 'Copy of row 2')
+        desktop.screenshot(main, '04-added-and-copied')
+        step('Add New appends a blank record, Copy the selected one')
+
+        desktop.click(main, cell('Sel', 3))
+        desktop.click(main, DELETE)
+        investments = [RETIREMENT, years_typed, BLANK_RECORD, years_typed]
+        expect_file(in_dat, investments, 'Delete of row 3')
+        desktop.screenshot(main, '05-row-3-deleted')
+        step('Delete takes the selected record out of the file')
+
+        desktop.click(main, cell('Sel', 2))
+        desktop.click(main, MOVE_UP)
+        investments = [years_typed, RETIREMENT, BLANK_RECORD, years_typed]
+        expect_file(in_dat, investments, 'Move Up of row 2')
+        # The selection follows the moved record, now record 1.
+        desktop.click(main, MOVE_DOWN)
+        investments = [RETIREMENT, years_typed, BLANK_RECORD, years_typed]
+        expect_file(in_dat, investments, 'Move Down of the moved record')
+        desktop.click(main, MOVE_DOWN)
+        investments = [RETIREMENT, BLANK_RECORD, years_typed, years_typed]
+        expect_file(in_dat, investments, 'Move Down again')
+        desktop.screenshot(main, '06-moved')
+        step('Move Up and Move Down swap the selected record with its neighbour')
+
+        # Undo takes back the delete (moves leave no entry), then each edit:
+        # the record as it was goes back where the edited scenario now is,
+        # following it through the moves and the restored delete.
+        desktop.click(main, UNDO)
+        investments = [RETIREMENT, BLANK_RECORD, payment_typed, years_typed, years_typed]
+        expect_file(in_dat, investments, 'Undo of the delete')
+        desktop.click(main, UNDO)
+        investments = [RETIREMENT, BLANK_RECORD, payment_typed, COLLEGE, years_typed]
+        expect_file(in_dat, investments, 'Undo of the years typed, the record now 4th')
+        desktop.click(main, UNDO)
+        investments = [RETIREMENT, BLANK_RECORD, SAVINGS, COLLEGE, years_typed]
+        expect_file(in_dat, investments, 'Undo of the payment typed in record 3')
+        desktop.screenshot(main, '07-undone')
+        step('Undo brings back the deleted record, then the values before each edit')
+
+        # The loans: the switch button, then a description typed in row 1.
+        desktop.click(main, LOANS)
+        desktop.click(main, cell('Desc', 1))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, 'Home')
+        desktop.key(main, 'Return')
+        loans[0] = replaced(loans[0], desc='Home')
+        expect_file(ln_dat, loans, 'description typed in row 1 of the loans')
+        expect_unchanged(in_dat, investments, 'the investments while the loans are shown')
+        shot = desktop.screenshot(main, '08-loans', lambda png: is_bold(png, cell('Payment', 1)))
+        expect_bold(shot, cell('Payment', 1), 'the solved payment of the first loan')
+        step('Loans shows the loans list; an edit there goes to Ln.dat')
+
+        # The wheel over the grid turns the list; row 1 then shows a later
+        # record, which is the one an edit of row 1 changes.
+        desktop.wheel(main, cell('Desc', 7), 1)
+        desktop.click(main, cell('Desc', 1))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, 'After the wheel')
+        desktop.key(main, 'Return')
+        loans[3] = replaced(loans[3], desc='After the wheel')
+        expect_file(ln_dat, loans, 'row 1 edited after one notch of the wheel down')
+        desktop.screenshot(main, '09-wheel-down')
+        desktop.wheel(main, cell('Desc', 7), -1)
+        desktop.click(main, cell('Desc', 2))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, 'Back at the top')
+        desktop.key(main, 'Return')
+        loans[1] = replaced(loans[1], desc='Back at the top')
+        expect_file(ln_dat, loans, 'row 2 edited after one notch of the wheel up')
+        step('the wheel over the grid turns the list three records a notch, both ways')
+
+        # The loan schedule: Years edited there, printed, left with Exit.
+        desktop.click(main, cell('Sel', 1))
+        desktop.click(main, AMORTIZE)
+        schedule = desktop.wait_window('Loan Amortization')
+        desktop.screenshot(schedule, '10-loan-schedule')
+        desktop.click(schedule, SCHEDULE_YEARS)
+        desktop.key(schedule, 'ctrl+a')
+        desktop.type(schedule, '15')
+        desktop.key(schedule, 'Return')
+        loans[0] = replaced(loans[0], years=15.0)
+        expect_file(ln_dat, loans, 'Years typed in the loan schedule')
+        desktop.screenshot(schedule, '11-loan-schedule-15-years')
+        desktop.click(schedule, SCHEDULE_PRINT)
+        answer_pdf_dialogs(desktop, '12-loan-schedule-print')
+        pdf = app.path('Home.pdf')
+        wait_for_pdf(pdf, 'the loan schedule printed without a printer')
+        text = pdf_text(pdf)
+        if text is not None and ('Home' not in text or '180' not in text):
+            raise Failure('the schedule PDF lacks the description or period 180:\n' + text[:400])
+        desktop.click(schedule, SCHEDULE_EXIT)
+        desktop.wait_gone('Loan Amortization')
+        expect_unchanged(ln_dat, loans, 'Exit of the loan schedule')
+        step('the loan schedule edits Years into the file, prints to a PDF, and Exit closes it')
+
+        # The list printed: no printer, so a PDF named after the list.
+        before = set(os.listdir(folder))
+        desktop.click(main, PRINT)
+        answer_pdf_dialogs(desktop, '13-list-print')
+        new = sorted(n for n in set(os.listdir(folder)) - before if n.endswith('.pdf'))
+        deadline = time.monotonic() + WAIT_SECONDS
+        while not new and time.monotonic() < deadline:
+            time.sleep(0.05)
+            new = sorted(n for n in set(os.listdir(folder)) - before if n.endswith('.pdf'))
+        if len(new) != 1:
+            raise Failure('printing the list made the PDF files %s' % new)
+        wait_for_pdf(app.path(new[0]), 'the loans list printed without a printer')
+        text = pdf_text(app.path(new[0]))
+        if text is not None and ('Home' not in text or 'Loan 20' not in text):
+            raise Failure('the list PDF lacks its first or last loan:\n' + text[:400])
+        step('Print offers a PDF without a printer; %s holds the whole list' % new[0])
+
+        # The investment schedule, from the investments list.
+        desktop.click(main, INVESTMENTS)
+        desktop.click(main, cell('Sel', 1))
+        desktop.click(main, AMORTIZE)
+        schedule = desktop.wait_window('Investment Amortization')
+        desktop.screenshot(schedule, '14-investment-schedule')
+        desktop.click(schedule, SCHEDULE_YEARS)
+        desktop.key(schedule, 'ctrl+a')
+        desktop.type(schedule, '2')
+        desktop.key(schedule, 'Return')
+        investments[0] = replaced(investments[0], years=2.0)
+        expect_file(in_dat, investments, 'Years typed in the investment schedule')
+        desktop.screenshot(schedule, '15-investment-schedule-2-years')
+        desktop.click(schedule, SCHEDULE_EXIT)
+        desktop.wait_gone('Investment Amortization')
+        shot = desktop.screenshot(main, '16-back-from-the-schedules')
+        expect_unchanged(in_dat, investments, 'Exit of the investment schedule')
+        expect_unchanged(ln_dat, loans, 'the loans after both schedules')
+        step('the investment schedule edits Years into the file and Exit closes it')
+
+        second_copy_refused(desktop, program, folder, investments, loans)
+
+        desktop.click(main, EXIT)
+        code = app.wait_exit()
+        if code != 0:
+            raise Failure('Exit ended quillet with status %d' % code)
+        expect_unchanged(in_dat, investments, 'after Exit')
+        expect_unchanged(ln_dat, loans, 'after Exit')
+        if os.path.exists(app.path('.quillet.lock')):
+            raise Failure('the lock file is left behind after Exit')
+        step('Exit ends quillet with status 0, the files as they were, no lock left')
+    finally:
+        app.kill()
+
+
+def crop_hash(png, rect):
+    left, top, width, height = (pixels(v) for v in rect)
+    return subprocess.run(['convert', png, '-crop', '%dx%d+%d+%d' % (width, height, left, top),
+                           '+repage', '-format', '%#', 'info:'], capture_output=True, text=True,
+                          check=True).stdout
+
+
+def second_copy_refused(desktop, program, folder, investments, loans):
+    """A second quillet in the same folder says why and ends, writing nothing."""
+    second = Quillet(desktop, program, folder)
+    try:
+        message = desktop.wait_window('Quillet')
+        desktop.screenshot(message, '17-second-copy-refused')
+        desktop.answer(message, 'Quillet', 'Return')
+        code = second.wait_exit()
+        if code != 1:
+            raise Failure('the second quillet ended with status %d, not 1' % code)
+        if len(desktop.visible('Fennrow')) != 1:
+            raise Failure('the second quillet showed a main window')
+    finally:
+        second.kill()
+    expect_unchanged(os.path.join(folder, 'In.dat'), investments, 'second copy')
+    expect_unchanged(os.path.join(folder, 'Ln.dat'), loans, 'second copy')
+    step('a second quillet in the same folder is refused with a message and writes nothing')
+
+
+def read_only_list(desktop, program, work):
+    """A list file that cannot be written: shown, every change refused."""
+    folder = os.path.join(work, 'read-only')
+    os.mkdir(folder)
+    investments = [RETIREMENT, COLLEGE, SAVINGS]
+    in_dat = os.path.join(folder, 'In.dat')
+    write_list(in_dat, investments)
+    write_list(os.path.join(folder, 'Ln.dat'), LOANS_LIST[:2])
+    user = None
+    how = 'chattr +i'
+    immutable = subprocess.run(['chattr', '+i', in_dat], capture_output=True).returncode == 0 \
+        if shutil.which('chattr') else False
+    if not immutable:
+        if os.geteuid() == 0 and shutil.which('setpriv'):
+            # An unprivileged user, for whom a file without write permission
+            # is read-only indeed.
+            user, how = 'nobody', 'a file of mode 0444 opened as nobody'
+            os.chmod(folder, 0o777)
+            os.chmod(in_dat, 0o444)
+            os.chmod(os.path.join(folder, 'Ln.dat'), 0o666)
+        elif os.geteuid() != 0:
+            how = 'a file of mode 0444'
+            os.chmod(in_dat, 0o444)
+        else:
+            print('SKIP read-only list: neither chattr +i nor setpriv works here')
+            return
+    app = Quillet(desktop, program, folder, user)
+    try:
+        message = desktop.wait_window('Quillet')
+        desktop.screenshot(message, '18-read-only-at-start')
+        desktop.answer(message, 'Quillet', 'Return')
+        main = app.main_window()
+        desktop.click(main, cell('Payment', 1))
+        desktop.key(main, 'ctrl+a')
+        desktop.type(main, '250')
+        desktop.key(main, 'Return')
+        message = desktop.wait_window('Quillet')
+        desktop.screenshot(message, '19-read-only-edit-refused')
+        desktop.answer(message, 'Quillet', 'Return')
+        expect_unchanged(in_dat, investments, 'a payment typed into a read-only list')
+        desktop.click(main, cell('Sel', 2))
+        desktop.click(main, DELETE)
+        message = desktop.wait_window('Quillet')
+        desktop.screenshot(message, '20-read-only-delete-refused')
+        desktop.answer(message, 'Quillet', 'Return')
+        expect_unchanged(in_dat, investments, 'Delete in a read-only list')
+        desktop.screenshot(main, '21-read-only-list')
+        desktop.click(main, EXIT)
+        code = app.wait_exit()
+        if code != 0:
+            raise Failure('Exit ended quillet with status %d' % code)
+        expect_unchanged(in_dat, investments, 'a read-only list after Exit')
+        step('a read-only list (%s) is shown, says so, and refuses edits and deletes' % how)
+    finally:
+        app.kill()
+        if immutable:
+            subprocess.run(['chattr', '-i', in_dat])
+
+
+# ------------------------------------------------------------------ main
+
+STARTED = time.monotonic()
+
+
+def step(text):
+    print('PASS %5.1f s  %s' % (time.monotonic() - STARTED, text), flush=True)
+
+
+def main():
+    if len(sys.argv) != 3:
+        print(__doc__, file=sys.stderr)
+        return 2
+    program, artifacts = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
+    missing = [tool for tool in ('Xvfb', 'xdotool', 'import', 'convert', 'identify')
+               if not shutil.which(tool)]
+    if missing:
+        print('SKIP: %s not installed (scripts/setup.sh installs them)' % ', '.join(missing))
+        return 77
+    shutil.rmtree(artifacts, ignore_errors=True)
+    os.makedirs(artifacts)
+    work = tempfile.mkdtemp(prefix='quillet-e2e-')
+    os.chmod(work, 0o755)
+    display = Display(work)
+    desktop = Desktop(display, artifacts)
+    try:
+        the_working_day(desktop, program, work)
+        read_only_list(desktop, program, work)
+    except Failure as failure:
+        print('FAIL %s' % failure, flush=True)
+        for log in sorted(f for f in os.listdir(work) if f.endswith('.log')):
+            with open(os.path.join(work, log), errors='replace') as f:
+                text = f.read().strip()
+            if text:
+                print('--- %s\n%s' % (log, text[-2000:]))
+        print('screenshots in %s' % artifacts)
+        return 1
+    finally:
+        display.close()
+        subprocess.run(['chattr', '-R', '-i', work], capture_output=True)
+        shutil.rmtree(work, ignore_errors=True)
+    print('all scenarios passed in %.1f s; screenshots in %s' % (time.monotonic() - STARTED,
+                                                                  artifacts))
+    return 0
+
+
+if __name__ == '__main__':
+    sys.exit(main())
