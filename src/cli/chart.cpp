@@ -92,7 +92,7 @@ double niceStep(double range)
 
 // The amount axis: a value axis would print the figures with a printf
 // format; labels placed at chosen values show them in the locale's currency.
-QCategoryAxis *amountAxis(double low, double high)
+QCategoryAxis *amountAxis(double low, double high, double scale)
 {
     auto *axis = new QCategoryAxis;
     axis->setLabelsPosition(QCategoryAxis::AxisLabelsPositionOnValue);
@@ -120,7 +120,9 @@ QCategoryAxis *amountAxis(double low, double high)
             value);
     }
     axis->setRange(first, last);
-    axis->setTitleText(QStringLiteral("Amount"));
+    axis->setTitleText(
+        scale == 1 ? QStringLiteral("Amount")
+                   : QStringLiteral("Amount (\u00d7%1)").arg(locale.toString(scale, 'g', 1)));
     return axis;
 }
 
@@ -164,16 +166,30 @@ QChart *buildChart(ListKind list, const ScenarioRecord &record, int recordNumber
     xAxis->setLabelFormat(inYears && xLast < 10 ? QStringLiteral("%.1f") : QStringLiteral("%.0f"));
     chart->addAxis(xAxis, Qt::AlignBottom);
 
+    // Amounts near the largest double overflow the chart's own arithmetic:
+    // beyond 10^15 they are drawn in units of a power of ten, which the
+    // axis title names.
+    const std::vector<Curve> curves = curvesOf(list, data);
+    double largest = 0;
+    for (const Curve &curve : curves) {
+        for (const int k : indexes) {
+            const double value = curve.values[static_cast<std::size_t>(k)];
+            if (std::isfinite(value))
+                largest = std::max(largest, std::abs(value));
+        }
+    }
+    const double scale = largest >= 1e15 ? std::pow(10.0, std::floor(std::log10(largest)) - 3) : 1;
+
     double low = 0;
     double high = 0;
     std::vector<QLineSeries *> lines;
-    for (const Curve &curve : curvesOf(list, data)) {
+    for (const Curve &curve : curves) {
         auto *series = new QLineSeries;
         series->setName(curve.name);
         QList<QPointF> points;
         points.reserve(static_cast<qsizetype>(indexes.size()));
         for (const int k : indexes) {
-            const double value = curve.values[static_cast<std::size_t>(k)];
+            const double value = curve.values[static_cast<std::size_t>(k)] / scale;
             if (!std::isfinite(value))
                 continue;
             const double x = inYears ? (k + 1) / data.perYear : k + 1;
@@ -187,7 +203,7 @@ QChart *buildChart(ListKind list, const ScenarioRecord &record, int recordNumber
     }
     if (!(high > low))
         high = low + 1;
-    QCategoryAxis *yAxis = amountAxis(low, high);
+    QCategoryAxis *yAxis = amountAxis(low, high, scale);
     chart->addAxis(yAxis, Qt::AlignLeft);
     for (QLineSeries *series : lines) {
         series->attachAxis(xAxis);

@@ -212,6 +212,8 @@ private slots:
     void chartOfALongScheduleCountsYears();
     void chartPngHasTheAskedSizeAndAPlotThatIsNotBlank();
     void chartTitleFallsBackToTheListAndNumber();
+    void chartOfAmountsNearTheLargestDoubleNamesItsUnit();
+    void chartOfAmountsBeyondADoubleIsDrawnWithoutThem();
     void chartOfARecordWithoutPeriodsExits1();
     void chartRefusesBadOptions_data();
     void chartRefusesBadOptions();
@@ -779,6 +781,40 @@ void TestReportExport::chartTitleFallsBackToTheListAndNumber()
         runReport(args({"chart", "investments", "4", "--output"}) + QStringList{svg}, path());
     QCOMPARE(run.exitCode, 0);
     QVERIFY(fileBytes(svg).contains(">Investment 4<"));
+}
+
+void TestReportExport::chartOfAmountsNearTheLargestDoubleNamesItsUnit()
+{
+    // Loan 4 borrows 1e303 and its balance reaches some 5e304: drawn in
+    // units of 10^301, which the amount axis names.
+    const QString svg = file(QStringLiteral("huge.svg"));
+    const Run run = runReport(
+        args({"chart", "loans", "4", "--locale", "en_US", "--output"}) + QStringList{svg}, path());
+    QCOMPARE(run.exitCode, 0);
+    const QByteArray bytes = fileBytes(svg);
+    QVERIFY(bytes.contains(QStringLiteral(">Amount (\u00d71E+301)<").toUtf8()));
+    QVERIFY(bytes.contains(">$0<"));
+
+    const QString png = file(QStringLiteral("huge.png"));
+    QCOMPARE(
+        runReport(args({"chart", "loans", "4", "--output"}) + QStringList{png}, path()).exitCode,
+        0);
+    const QImage image(png);
+    QCOMPARE(image.size(), QSize(800, 500));
+    QVERIFY(colouredShare(image, QRect(200, 125, 400, 250)) > 0.002);
+}
+
+void TestReportExport::chartOfAmountsBeyondADoubleIsDrawnWithoutThem()
+{
+    // 1e308 earning 500 % a year: every amount after the start overflows.
+    QVERIFY(writeList(file(InvestmentsFile),
+                      {scenario(QStringLiteral("Overflow"), 1e308, 5, 3, 0, 1, Blank)}));
+    const QString png = file(QStringLiteral("overflow.png"));
+    const Run run =
+        runReport(args({"chart", "investments", "1", "--output"}) + QStringList{png}, path());
+    QCOMPARE(run.errText(), QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(QImage(png).size(), QSize(800, 500));
 }
 
 void TestReportExport::chartOfARecordWithoutPeriodsExits1()
