@@ -1,5 +1,6 @@
 #include "fonts.h"
 #include "messageboxwatcher.h"
+#include "recordingfilecalls.h"
 #include "schedulefixture.h"
 
 #include <QApplication>
@@ -61,6 +62,8 @@ private slots:
     void perYearIsRoundedHalfToEvenWithoutRangeCheck();
     void periodCountBeyond32767IsRefused();
     void failedWriteIsExplainedAndTheWindowStaysUsable();
+    void fullDiskIsExplainedAndTheNextEditIsWritten();
+    void readOnlyListRefusesEveryEdit();
     void enterWithoutScrollBarKeepsTheFocusInTheField();
     void enterWithScrollBarMovesTheFocusToIt();
     void editingAfterScrollingShowsPeriodOneAndKeepsTheScrollValue();
@@ -438,6 +441,55 @@ void TestScheduleEditing::failedWriteIsExplainedAndTheWindowStaysUsable()
     ScenarioRecord expected = plan();
     expected.Payment = 250;
     QCOMPARE(fileBytes(InDat), recordsBytes({expected}));
+}
+
+void TestScheduleEditing::fullDiskIsExplainedAndTheNextEditIsWritten()
+{
+    // The calls outlive the list file that uses them.
+    RecordingFileCalls calls;
+    ScheduleFixture fixture;
+    fixture.session().list(ListKind::Investments).file.setCalls(&calls);
+    QVERIFY(fixture.start({plan()}));
+    QVERIFY(fixture.open(ListKind::Investments, 1));
+    calls.failing << QStringLiteral("pwrite In.dat");
+    calls.failError = ENOSPC;
+    m_boxes.expect();
+    typeInto(fixture.field(QStringLiteral("Years")), QStringLiteral("20"));
+    QCOMPARE(m_boxes.texts(), QStringList({QStringLiteral(
+                                  "Could not write record 1 of In.dat: No space left on device")}));
+    QCOMPARE(m_boxes.titles(), QStringList({QStringLiteral("Quillet")}));
+    QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
+    QCOMPARE(fixture.field(QStringLiteral("Years"))->text(), QStringLiteral("10.0 "));
+    QCOMPARE(fixture.session().PeriodCount, qint16(120));
+
+    calls.failing.clear();
+    typeInto(fixture.field(QStringLiteral("Years")), QStringLiteral("20"));
+    ScenarioRecord expected = plan();
+    expected.Years = 20;
+    QCOMPARE(fileBytes(InDat), recordsBytes({expected}));
+    QCOMPARE(fixture.session().PeriodCount, qint16(240));
+}
+
+void TestScheduleEditing::readOnlyListRefusesEveryEdit()
+{
+    RecordingFileCalls calls;
+    ScheduleFixture fixture;
+    calls.failing << QStringLiteral("open In.dat");
+    calls.failError = EACCES;
+    fixture.session().list(ListKind::Investments).file.setCalls(&calls);
+    QVERIFY(!fixture.start({plan()}));
+    QCOMPARE(fixture.session().list(ListKind::Investments).NumRecs(), 1);
+    QVERIFY(fixture.open(ListKind::Investments, 1));
+    QCOMPARE(fixture.field(QStringLiteral("Desc"))->text(), QStringLiteral(" Plan"));
+    m_boxes.expect(2);
+    typeInto(fixture.field(QStringLiteral("Payment")), QStringLiteral("250"));
+    typeInto(fixture.field(QStringLiteral("Desc")), QStringLiteral("Other"));
+    const QString refusal = QStringLiteral(
+        "Could not write record 1 of In.dat: the file can only be read (Permission denied).");
+    QCOMPARE(m_boxes.texts(), QStringList({refusal, refusal}));
+    QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
+    QCOMPARE(fixture.field(QStringLiteral("Payment"))->text(), QStringLiteral("$100.00 "));
+    QCOMPARE(fixture.field(QStringLiteral("Desc"))->text(), QStringLiteral(" Plan"));
 }
 
 void TestScheduleEditing::enterWithoutScrollBarKeepsTheFocusInTheField()
