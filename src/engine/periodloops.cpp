@@ -313,6 +313,58 @@ bool hardwareLoanPeriods(LoanRun &run, double rate, double payment, long long li
     return ranAny && sameBits(balance, lastBalance) && sameBits(total, lastTotal);
 }
 
+// With a fused multiply-add, a product below 2^-1023 comes out on the
+// subnormal grid without a slow subnormal multiplication: fma(rate, balance,
+// C), C = 1.5 x 2^-1022, is C plus the product rounded once to a multiple of
+// 2^-1074 (the grid of C's binade, where the sum stays; C's last bit is even,
+// so an exact half rounds as it would alone), and subtracting C leaves that
+// rounded product exactly. Only its sign of zero may differ from rate *
+// balance, which changes nothing in the loan (see tinyLoanPeriods).
+constexpr double FusedOffset = 0x1.8p-1022;
+
+// Balances below this keep rate * balance under 2^-1023 (zero when the rate
+// is zero or not finite, when products are fast anyway).
+double fusedBalanceLimit(double rate)
+{
+    const double magnitude = std::abs(rate);
+    if (!(magnitude > 0) || !std::isfinite(magnitude))
+        return 0;
+    return 0x1p-1023 / magnitude * (1 - 0x1p-40);
+}
+
+// hardwareLoanPeriods with the interest of balances below balanceLimit taken
+// from a fused multiply-add; stops at the first balance that is not below.
+__attribute__((target("fma"))) bool fusedLoanPeriods(LoanRun &run, double rate, double payment,
+                                                     long long limit, double balanceLimit)
+{
+    double balance = run.balance;
+    double total = run.total;
+    double periods = run.periods;
+    long long done = run.done;
+    const long long end = std::min(limit, done + Block);
+    double lastBalance = balance;
+    double lastTotal = total;
+    while (done < end && periods > 0 && isPositive(balance) && balance < balanceLimit) {
+        lastBalance = balance;
+        lastTotal = total;
+        const double interest = __builtin_fma(rate, balance, FusedOffset) - FusedOffset;
+        double principal = payment - interest;
+        if (orderOf(principal) > orderOf(balance))
+            principal = balance;
+        balance = balance - principal;
+        total = total + interest;
+        periods = periods - 1;
+        ++done;
+    }
+    run.computed += done - run.done;
+    const bool ranAny = done > run.done;
+    run.balance = balance;
+    run.total = total;
+    run.periods = periods;
+    run.done = done;
+    return ranAny && sameBits(balance, lastBalance) && sameBits(total, lastTotal);
+}
+
 // A settled loan: every further period leaves balance and total as they are,
 // so only the periods counter moves, until it runs out or the limit is
 // reached.
@@ -381,6 +433,7 @@ LoanRun runLoanInterest(double balance, double rate, double payment, double peri
     const TinyRate tinyRate = tinyRateOf(rate);
     std::int64_t tinyPayment = 0;
     const bool tinyTerms = tinyRate.usable && unitsOf(payment, tinyPayment);
+    const double fusedLimit = __builtin_cpu_supports("fma") ? fusedBalanceLimit(rate) : 0;
 
     while (run.done < limit && run.periods > 0 && isPositive(run.balance)) {
         if (!bothFinite(run.balance, run.total))
@@ -388,8 +441,11 @@ LoanRun runLoanInterest(double balance, double rate, double payment, double peri
         bool settled = false;
         if (tinyTerms)
             settled = carriedLoanPeriods(run, tinyRate, tinyPayment, limit);
-        if (!settled)
-            settled = hardwareLoanPeriods(run, rate, payment, limit);
+        if (!settled) {
+            settled = run.balance < fusedLimit
+                          ? fusedLoanPeriods(run, rate, payment, limit, fusedLimit)
+                          : hardwareLoanPeriods(run, rate, payment, limit);
+        }
         if (settled && bothFinite(run.balance, run.total)) {
             skipSettledPeriods(run, limit);
             return run;
