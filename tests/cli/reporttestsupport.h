@@ -173,4 +173,36 @@ inline void collectNumbers(const QJsonValue &value, QList<double> &numbers)
     }
 }
 
+// The output's schema, docs/quillet-report.schema.json; needs Debian's
+// python3-jsonschema.
+// Validates a JSON document against the report's schema with Python's
+// jsonschema; empty when it is valid, else the validator's complaint.
+inline QString schemaErrors(const QByteArray &json)
+{
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("import json, sys, jsonschema\n"
+                                 "schema = json.load(open(sys.argv[1]))\n"
+                                 "jsonschema.Draft202012Validator.check_schema(schema)\n"
+                                 "jsonschema.Draft202012Validator(schema).validate("
+                                 "json.loads(sys.stdin.buffer.read()))\n"),
+                  QStringLiteral(QUILLET_SOURCE_DIR "/docs/quillet-report.schema.json")});
+    python.write(json);
+    python.closeWriteChannel();
+    if (!python.waitForFinished(60000))
+        return QStringLiteral("python3 did not finish");
+    if (python.exitStatus() != QProcess::NormalExit || python.exitCode() != 0)
+        return QString::fromUtf8(python.readAllStandardError()).right(2000);
+    return {};
+}
+
 } // namespace quillet::test
+
+// Fails the test, with the validator's complaint, when the JSON does not
+// match the output's schema.
+#define QVERIFY_VALID_REPORT_JSON(json)                                                            \
+    do {                                                                                           \
+        const QString schemaErrors_ = quillet::test::schemaErrors(json);                           \
+        QVERIFY2(schemaErrors_.isEmpty(), qPrintable(schemaErrors_));                              \
+    } while (false)

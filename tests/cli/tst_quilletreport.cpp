@@ -363,6 +363,8 @@ void TestQuilletReport::listShowsEveryRecordAsTheGridDoes()
     QCOMPARE(run.errText(), QString());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.outText(), expected);
+    if (format == u"json")
+        QVERIFY_VALID_REPORT_JSON(run.out);
 }
 
 void TestQuilletReport::germanAmountsHaveANoBreakSpaceBeforeTheEuroSign()
@@ -388,6 +390,7 @@ void TestQuilletReport::jsonListIsWellFormedAndNamesTheSolvedFields()
                    QStringLiteral("json"), QStringLiteral("--locale"), QStringLiteral("en_US")},
                   path());
     QCOMPARE(run.exitCode, 0);
+    QVERIFY_VALID_REPORT_JSON(run.out);
     const QJsonObject report = parseObject(run.out);
     QVERIFY2(!report.isEmpty(), run.out.constData());
     QCOMPARE(report.value(u"list").toString(), QStringLiteral("loans"));
@@ -428,6 +431,7 @@ void TestQuilletReport::emptyListFileGivesOnlyTheHeadings()
                                path());
     QCOMPARE(json.exitCode, 0);
     QCOMPARE(parseObject(json.out).value(u"records").toArray(), QJsonArray());
+    QVERIFY_VALID_REPORT_JSON(json.out);
 }
 
 void TestQuilletReport::investmentScheduleShowsEveryPeriod_data()
@@ -634,6 +638,7 @@ void TestQuilletReport::scheduleJsonCarriesTheRawValuesWith17Digits()
                    QStringLiteral("en_US")},
                   path());
     QCOMPARE(run.exitCode, 0);
+    QVERIFY_VALID_REPORT_JSON(run.out);
     const QJsonObject report = parseObject(run.out);
     QVERIFY2(!report.isEmpty(), run.out.constData());
     QCOMPARE(report.value(u"record").toInt(), 1);
@@ -698,6 +703,7 @@ void TestQuilletReport::blankPaymentsPerYearGiveNoScheduleRows()
                    QStringLiteral("--format"), QStringLiteral("json")},
                   path());
     QCOMPARE(json.exitCode, 0);
+    QVERIFY_VALID_REPORT_JSON(json.out);
     const QJsonObject report = parseObject(json.out);
     QCOMPARE(report.value(u"periodCount").toInt(), -3);
     QCOMPARE(report.value(u"rows").toArray(), QJsonArray());
@@ -714,6 +720,7 @@ void TestQuilletReport::scheduleOfABlankScenarioHasNoPeriodCountAndNoRows()
                    QStringLiteral("--format"), QStringLiteral("json")},
                   path());
     QCOMPARE(json.exitCode, 0);
+    QVERIFY_VALID_REPORT_JSON(json.out);
     const QJsonObject report = parseObject(json.out);
     QVERIFY(report.contains(u"periodCount"));
     QVERIFY(report.value(u"periodCount").isNull());

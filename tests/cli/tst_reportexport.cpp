@@ -25,8 +25,6 @@ using namespace quillet::test;
 
 namespace {
 
-const QString SchemaPath = QStringLiteral(QUILLET_SOURCE_DIR "/docs/quillet-report.schema.json");
-
 // Descriptions made of the bytes that break tables and CSV: a line break, a
 // quote and a comma, a tab with C0 and C1 control characters, a carriage
 // return. The values give solved fields of every kind, a huge amount, a
@@ -73,28 +71,6 @@ QList<QStringList> readCsv(const QByteArray &csv)
         rows.append(cells);
     }
     return rows;
-}
-
-// Validates a JSON document against the report's schema with Python's
-// jsonschema; empty when it is valid, else the validator's complaint.
-QString schemaErrors(const QByteArray &json)
-{
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-c"),
-                  QStringLiteral("import json, sys, jsonschema\n"
-                                 "schema = json.load(open(sys.argv[1]))\n"
-                                 "jsonschema.Draft202012Validator.check_schema(schema)\n"
-                                 "jsonschema.Draft202012Validator(schema).validate("
-                                 "json.loads(sys.stdin.buffer.read()))\n"),
-                  SchemaPath});
-    python.write(json);
-    python.closeWriteChannel();
-    if (!python.waitForFinished(60000))
-        return QStringLiteral("python3 did not finish");
-    if (python.exitStatus() != QProcess::NormalExit || python.exitCode() != 0)
-        return QString::fromUtf8(python.readAllStandardError()).right(2000);
-    return {};
 }
 
 // A CSV figure: plain digits, '.' and at most a leading minus.
