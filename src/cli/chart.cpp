@@ -1,5 +1,6 @@
 #include "chart.h"
 
+#include <QApplication>
 #include <QCategoryAxis>
 #include <QChart>
 #include <QFileInfo>
@@ -254,6 +255,9 @@ Status render(QGraphicsScene &scene, const QString &title, const QString &path, 
 Status writeScheduleChart(ListKind list, const ScenarioRecord &record, int recordNumber,
                           const QString &fileName, const QString &outputPath, QSize size)
 {
+    // Charts are graphics widgets: without a QApplication they would abort.
+    if (qobject_cast<QApplication *>(QCoreApplication::instance()) == nullptr)
+        return Status::failure(QStringLiteral("a chart can only be drawn in a QApplication"));
     ScheduleData data;
     if (const Status status = computeSchedule(list, record, recordNumber, fileName, data);
         !status.ok())

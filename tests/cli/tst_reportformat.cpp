@@ -1,10 +1,14 @@
+#include <QDir>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextStream>
 
 #include <limits>
 
+#include "chart.h"
 #include "jsonvalue.h"
 #include "reportcommand.h"
 #include "texttable.h"
@@ -32,6 +36,7 @@ private slots:
     void csvQuotesEveryControlCharacter();
     void textTableShowsControlCharactersAsQuestionMarks();
     void helpAndUsageErrorsCanBeRunInProcess();
+    void chartWithoutAGraphicalApplicationFailsWithALine();
 };
 
 void TestReportFormat::csvFieldIsQuotedOnlyWhenItMust_data()
@@ -238,6 +243,24 @@ void TestReportFormat::helpAndUsageErrorsCanBeRunInProcess()
              int(ExitUsage));
     QCOMPARE(out, QString());
     QVERIFY(err.endsWith(usageText() + QStringLiteral("Run 'quillet-report --help' for more.\n")));
+}
+
+void TestReportFormat::chartWithoutAGraphicalApplicationFailsWithALine()
+{
+    QTemporaryDir dir;
+    QVERIFY2(dir.isValid(), qPrintable(dir.errorString()));
+    quillet::ScenarioRecord record;
+    record.makeBlank();
+    record.InitialAmount = 1000;
+    record.IRate = 0.05;
+    record.Years = 1;
+    record.PerYear = 12;
+    const QString output = QDir(dir.path()).filePath(QStringLiteral("chart.svg"));
+    const quillet::Status status = writeScheduleChart(
+        quillet::ListKind::Loans, record, 1, QStringLiteral("Ln.dat"), output, DefaultChartSize);
+    QVERIFY(!status.ok());
+    QCOMPARE(status.message(), QStringLiteral("a chart can only be drawn in a QApplication"));
+    QVERIFY(!QFileInfo::exists(output));
 }
 
 QTEST_GUILESS_MAIN(TestReportFormat)
