@@ -4,6 +4,8 @@
 #include "displaytext.h"
 #include "headeredit.h"
 #include "messages.h"
+#include "scheduleprintout.h"
+#include "textmeasure.h"
 #include "rates.h"
 #include "twips.h"
 
@@ -290,6 +292,36 @@ void ScheduleWindow::Exit_Click()
 
 void ScheduleWindow::Print_Click()
 {
+    if (readShownRecord()) {
+        const bool investments = m_list == ListKind::Investments;
+        SchedulePrintJob job;
+        job.investments = investments;
+        // The header lines in printed order: the payment before the payments
+        // per year in both windows.
+        static constexpr std::array<GridColumn, 7> Printed = {
+            GridColumn::Desc,       GridColumn::InitialAmount, GridColumn::Yield,
+            GridColumn::Years,      GridColumn::Payment,       GridColumn::PerYear,
+            GridColumn::FutureValue};
+        for (std::size_t k = 0; k < Printed.size(); ++k) {
+            const HeaderField *box = field(Printed[k]);
+            job.header[k] = {m_captions.at(indexOf(Printed[k]))->text(), box->text(),
+                             box->isBold()};
+        }
+        for (const QLabel *heading : m_headings)
+            job.headings << heading->text();
+        job.start = scheduleStart(m_session.WorkingRecord, investments,
+                                  schedulePerYear(field(GridColumn::PerYear)->text()).value_or(1),
+                                  m_session.StateFlags, m_solved);
+        job.periodCount = m_session.PeriodCount;
+        // Measured in this window's font, as the window shows the texts.
+        const TextMeasure measure(font(), logicalDpiX());
+        runPrintout(this, m_printSeams, windowTitle(),
+                    pdfFileName(trimmedDesc(m_session.WorkingRecord), windowTitle()),
+                    std::max(job.periodCount, 0),
+                    [&](PrintSurface &printer, const PrintProgress &progress) {
+                        return PrintAmort(printer, measure, job, progress);
+                    });
+    }
     if (!VScroll1->isHidden())
         VScroll1->setFocus();
 }
