@@ -108,6 +108,7 @@ private slots:
     void loanMonthlyRateIsThePlainDivision();
     void blankPerYearShowsMinusOneAndLeavesTheTable();
     void perYearZeroLeavesTheTable();
+    void loanPerYearZeroDividesNothingAndLeavesTheTable();
     void emptyYearsTextKeepsThePreviousPeriodCount();
     void halfYearsRoundToEvenPeriods_data();
     void halfYearsRoundToEvenPeriods();
@@ -725,6 +726,19 @@ void TestScheduleWindows::perYearZeroLeavesTheTable()
     QVERIFY(fixture.scrollBar()->isHidden());
     QCOMPARE(fixture.text(QStringLiteral("TotEarnings"), 0), QStringLiteral("$1,220.00"));
     QCOMPARE(fixture.text(QStringLiteral("Period"), 11), QStringLiteral("  12"));
+}
+
+void TestScheduleWindows::loanPerYearZeroDividesNothingAndLeavesTheTable()
+{
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start(
+        {}, {mortgage(), scenario(QStringLiteral("Zero a year"), 5000, 0.05, 10, 100, 0)}));
+    fixture.open(ListKind::Loans, 1)->hide();
+    QVERIFY(fixture.open(ListKind::Loans, 2));
+    QCOMPARE(fixture.field(QStringLiteral("PerYear"))->text(), QStringLiteral("0"));
+    QCOMPARE(fixture.session().PeriodCount, qint16(0));
+    QVERIFY(fixture.scrollBar()->isHidden());
+    QCOMPARE(fixture.text(QStringLiteral("ReBalance"), 0), QStringLiteral("$99,900.45"));
 }
 
 void TestScheduleWindows::emptyYearsTextKeepsThePreviousPeriodCount()
