@@ -5,6 +5,7 @@ Run it again after changing a seed here; the files it writes are checked in.
 """
 import os
 import struct
+import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 BLANK = -987456321.0
@@ -46,6 +47,9 @@ TYPICAL = [
     record(b'Caf\xe9 \x80 \x81', 1, 0, 1, 1, 365),
     record(),
 ]
+# The largest double as an amount: shown whole, its editing text must still
+# read back.
+LARGEST_AMOUNT = record(b'Largest amount', sys.float_info.max, 0.05, 10, 0, 12)
 ODD = [TINY_INVESTMENT, TINY_LOAN, HUGE_LOAN, HUGE_RATE]
 
 CELL_TEXTS = {
@@ -99,6 +103,7 @@ def main():
                        ('huge_loan', HUGE_LOAN), ('huge_rate', HUGE_RATE)]:
         write('fuzz_listfile', name, data)
         write('fuzz_schedule', name, data)
+    write('fuzz_listfile', 'largest_amount', LARGEST_AMOUNT)
     for k, data in enumerate(TYPICAL):
         write('fuzz_schedule', 'typical_%d' % k, data)
     for name, data in CELL_TEXTS.items():
