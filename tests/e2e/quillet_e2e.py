@@ -14,6 +14,7 @@ ImageMagick is missing.
 """
 
 import os
+import re
 import select
 import shutil
 import struct
@@ -538,9 +539,12 @@ def the_working_day(desktop, program, work):
         answer_pdf_dialogs(desktop, '12-loan-schedule-print')
         pdf = app.path('Home.pdf')
         wait_for_pdf(pdf, 'the loan schedule printed without a printer')
+        shutil.copy(pdf, os.path.join(desktop.artifacts, '12-loan-schedule.pdf'))
         text = pdf_text(pdf)
-        if text is not None and ('Home' not in text or '180' not in text):
-            raise Failure('the schedule PDF lacks the description or period 180:\n' + text[:400])
+        if text is not None and ('Home' not in text or not re.search(r'^\s*180\s', text, re.M)
+                                 or re.search(r'^\s*181\s', text, re.M)):
+            raise Failure('the schedule PDF lacks the description or ends elsewhere than at '
+                          'period 180:\n' + text[:600])
         desktop.click(schedule, SCHEDULE_EXIT)
         desktop.wait_gone('Loan Amortization')
         expect_unchanged(ln_dat, loans, 'Exit of the loan schedule')
@@ -558,6 +562,7 @@ def the_working_day(desktop, program, work):
         if len(new) != 1:
             raise Failure('printing the list made the PDF files %s' % new)
         wait_for_pdf(app.path(new[0]), 'the loans list printed without a printer')
+        shutil.copy(app.path(new[0]), os.path.join(desktop.artifacts, '13-list.pdf'))
         text = pdf_text(app.path(new[0]))
         if text is not None and ('Home' not in text or 'Loan 20' not in text):
             raise Failure('the list PDF lacks its first or last loan:\n' + text[:400])
