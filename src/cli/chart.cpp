@@ -130,7 +130,7 @@ QCategoryAxis *amountAxis(double low, double high, double scale)
 QString chartTitle(ListKind list, const ScenarioRecord &record, int recordNumber)
 {
     // Control characters of a description would break the picture's text.
-    const QString desc = withoutControls(trimmedDesc(record));
+    QString desc = withoutControls(trimmedDesc(record));
     if (!desc.isEmpty())
         return desc;
     return (list == ListKind::Investments ? QStringLiteral("Investment %1")
@@ -259,8 +259,7 @@ Status writeScheduleChart(ListKind list, const ScenarioRecord &record, int recor
     if (qobject_cast<QApplication *>(QCoreApplication::instance()) == nullptr)
         return Status::failure(QStringLiteral("a chart can only be drawn in a QApplication"));
     ScheduleData data;
-    if (const Status status = computeSchedule(list, record, recordNumber, fileName, data);
-        !status.ok())
+    if (Status status = computeSchedule(list, record, recordNumber, fileName, data); !status.ok())
         return status;
     if (data.rowCount() == 0) {
         return Status::failure(

@@ -115,7 +115,7 @@ Status ReadOnlyListFile::load(const QString &directory, const QString &fileName)
 
     // Every check is made on the path as it stands, before anything is
     // opened: nothing here may ever create a file.
-    if (const Status status = checkDirectory(directory); !status.ok())
+    if (Status status = checkDirectory(directory); !status.ok())
         return status;
     const QString path = QDir(directory).filePath(fileName);
     const PathStatus file = statOf(path);

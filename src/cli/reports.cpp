@@ -381,8 +381,7 @@ Status scheduleReport(ListKind list, const ScenarioRecord &record, int recordNum
                       const QString &fileName, Format format, QString &output)
 {
     ScheduleData data;
-    if (const Status status = computeSchedule(list, record, recordNumber, fileName, data);
-        !status.ok())
+    if (Status status = computeSchedule(list, record, recordNumber, fileName, data); !status.ok())
         return status;
     const bool investments = isInvestments(list);
     const RecordView view = viewOf(record, list);

@@ -252,15 +252,15 @@ void TestReportExport::listCsvNumbersReadBackAsTheJsonValues()
     // Scale and decimals of each numeric column, in the CSV's column order.
     const struct
     {
-        int column;
         QString field;
         double scale;
+        int column;
         int decimals;
-    } columns[] = {{2, QStringLiteral("InitialAmount"), 1, 2},
-                   {3, QStringLiteral("IRate"), 100, 2},
-                   {4, QStringLiteral("Years"), 1, 1},
-                   {5, QStringLiteral("Payment"), 1, 2},
-                   {7, fieldOrder(investments).last(), 1, 2}};
+    } columns[] = {{QStringLiteral("InitialAmount"), 1, 2, 2},
+                   {QStringLiteral("IRate"), 100, 3, 2},
+                   {QStringLiteral("Years"), 1, 4, 1},
+                   {QStringLiteral("Payment"), 1, 5, 2},
+                   {fieldOrder(investments).last(), 1, 7, 2}};
     for (qsizetype k = 0; k < records.size(); ++k) {
         const QJsonObject record = records.at(k).toObject();
         const QStringList &row = rows.at(k + 1);
