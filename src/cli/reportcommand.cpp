@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QSize>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <utility>
