@@ -31,14 +31,15 @@ QString askForPdfFile(QWidget *parent, const QString &proposedPath)
                                         proposedPath, QStringLiteral("PDF files (*.pdf)"));
 }
 
-// Asks whether to save as PDF instead; OK (labelled so) says yes.
+// Asks whether to save as PDF instead. Only the Save button says yes: a box
+// closed any other way prints nothing.
 bool offerPdf(QWidget *parent)
 {
     QMessageBox box(QMessageBox::Question, QStringLiteral("Quillet"), noPrinterQuestion(),
-                    QMessageBox::Ok | QMessageBox::Cancel, parent);
-    box.button(QMessageBox::Ok)->setText(QStringLiteral("Save as PDF..."));
-    box.setDefaultButton(QMessageBox::Ok);
-    return box.exec() == QMessageBox::Ok;
+                    QMessageBox::Save | QMessageBox::Cancel, parent);
+    box.button(QMessageBox::Save)->setText(QStringLiteral("Save as PDF..."));
+    box.setDefaultButton(QMessageBox::Save);
+    return box.exec() == QMessageBox::Save;
 }
 
 // Shows the progress of a long printout and hears its Cancel button.

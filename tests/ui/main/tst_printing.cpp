@@ -1,5 +1,6 @@
 #include "mainwindowfixture.h"
 #include "fonts.h"
+#include "pdfoffer.h"
 #include "pdftext.h"
 #include "printjob.h"
 
@@ -7,6 +8,7 @@
 #include <QFile>
 #include <QPrinter>
 #include <QProgressDialog>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <memory>
@@ -84,9 +86,14 @@ private slots:
     void withoutPrinterTheListIsSavedAsPdfWhereTheUserSays();
     void loanListIsProposedAsLoansPdfWithItsOwnHeaders();
     void cancellingTheSaveDialogPrintsNothing();
+    void decliningTheOfferOfAPdfPrintsNothing();
     void failingPrinterIsReportedAndNothingElseHappens();
     void unwritablePdfIsReportedAndWritesNothing();
     void longPrintoutCanBeCancelledFromItsProgressDialog();
+
+private:
+    // Made with the suite, before any window's message box watcher.
+    PdfOfferAccepter m_accepter;
 };
 
 void TestPrinting::emptyInvestmentListSaysSoAndPrintsNothing()
@@ -177,6 +184,24 @@ void TestPrinting::cancellingTheSaveDialogPrintsNothing()
     QTest::mouseClick(fixture.command(QStringLiteral("Print")), Qt::LeftButton);
     QCOMPARE(fixture.boxes().texts(), QStringList{NoPrinterText});
     QCOMPARE(dialogs.proposed.size(), 1);
+    QCOMPARE(QDir::current().entryList({QStringLiteral("*.pdf")}, QDir::Files), QStringList());
+}
+
+void TestPrinting::decliningTheOfferOfAPdfPrintsNothing()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start({retirement()}));
+    ScriptedDialogs dialogs;
+    dialogs.answer = QDir::current().filePath(QStringLiteral("never.pdf"));
+    fixture.window().setPrintSeams(dialogs.seams());
+    // The watcher closes the offer with OK, which is not Save.
+    m_accepter.setAccepting(false);
+    const auto acceptAgain = qScopeGuard([this] { m_accepter.setAccepting(true); });
+    fixture.boxes().expect();
+    QTest::mouseClick(fixture.command(QStringLiteral("Print")), Qt::LeftButton);
+    QCOMPARE(fixture.boxes().texts(), QStringList{NoPrinterText});
+    QCOMPARE(dialogs.printerAsked, 1);
+    QVERIFY(dialogs.proposed.isEmpty());
     QCOMPARE(QDir::current().entryList({QStringLiteral("*.pdf")}, QDir::Files), QStringList());
 }
 

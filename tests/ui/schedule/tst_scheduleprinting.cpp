@@ -1,6 +1,7 @@
 #include "cupsprinter.h"
 #include "messageboxwatcher.h"
 #include "fonts.h"
+#include "pdfoffer.h"
 #include "pdftext.h"
 #include "printjob.h"
 #include "schedulefixture.h"
@@ -80,6 +81,7 @@ void TestSchedulePrinting::investmentScheduleIsPrintedWholeAsTheReportPrintsIt()
     QVERIFY(fixture.start({savings()}));
     ScheduleWindow *window = fixture.open(ListKind::Investments, 1);
     QVERIFY(window);
+    PdfOfferAccepter accepter;
     MessageBoxWatcher boxes;
     QStringList proposed;
     const QString path = QDir::current().filePath(QStringLiteral("chosen.pdf"));
@@ -113,6 +115,7 @@ void TestSchedulePrinting::loanScheduleOf360PeriodsPrintsEveryPaymentOnSeveralPa
     QVERIFY(fixture.start({}, {house()}));
     ScheduleWindow *window = fixture.open(ListKind::Loans, 1);
     QVERIFY(window);
+    PdfOfferAccepter accepter;
     MessageBoxWatcher boxes;
     QStringList proposed;
     const QString path = QDir::current().filePath(QStringLiteral("House.pdf"));
@@ -139,6 +142,7 @@ void TestSchedulePrinting::printingGivesTheFocusBackToTheScrollBar()
     QVERIFY(fixture.start({}, {house()}));
     ScheduleWindow *window = fixture.open(ListKind::Loans, 1);
     QVERIFY(window);
+    PdfOfferAccepter accepter;
     MessageBoxWatcher boxes;
     window->setPrintSeams(pdfInstead(QDir::current().filePath(QStringLiteral("x.pdf"))));
     boxes.expect();
@@ -153,6 +157,7 @@ void TestSchedulePrinting::cancellingPrintsNothingAndStillGivesTheFocusBack()
     QVERIFY(fixture.start({savings()}));
     ScheduleWindow *window = fixture.open(ListKind::Investments, 1);
     QVERIFY(window);
+    PdfOfferAccepter accepter;
     MessageBoxWatcher boxes;
     window->setPrintSeams(pdfInstead(QString()));
     boxes.expect();
