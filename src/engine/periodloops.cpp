@@ -91,7 +91,8 @@ bool isPositive(double value)
     return std::bit_cast<std::uint64_t>(value) - 1 < InfinityBits;
 }
 
-// An integer that orders doubles as < does, for values that are not NaN.
+// An integer that orders doubles as < does, for values that are not NaN
+// (minus zero below plus zero, which no caller compares).
 std::int64_t orderOf(double value)
 {
     const std::int64_t bits = std::bit_cast<std::int64_t>(value);

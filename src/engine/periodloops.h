@@ -5,8 +5,9 @@ namespace quillet {
 // The two period-by-period loops of the solvers, run exactly as written
 // (every value bit for bit what the plain loop gives) but fast for any input:
 // tiny amounts, whose subnormal arithmetic is slow in hardware, are carried
-// as whole multiples of the smallest double in integers; a state that no
-// longer changes is not computed again.
+// as whole multiples of the smallest double in integers, or their products
+// taken from a fused multiply-add where the processor has one; a state that
+// no longer changes is not computed again.
 
 // How a run of periods ended.
 enum class LoopEnd {
@@ -40,9 +41,10 @@ struct LoanRun
 // The loan loop: while periods > 0 and balance > 0, and at most `limit`
 // periods: interest = rate * balance; principal = payment - interest, cut to
 // the balance; balance = balance - principal; total = total + interest;
-// periods = periods - 1. Ends NotFinite as soon as the balance or the total
-// would stop being finite. Settled periods (balance and total unchanged) are
-// counted in `done` without being computed again.
+// periods = periods - 1. Ends NotFinite when the balance or the total stops
+// being finite at any period (its other values are then of no use). Settled
+// periods (balance and total unchanged) are counted in `done` without being
+// computed again.
 LoanRun runLoanInterest(double balance, double rate, double payment, double periods,
                         long long limit);
 
