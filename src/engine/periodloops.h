@@ -25,7 +25,8 @@ struct GrowthRun
 
 // `count` periods of balance = balance + balance * rate + payment, stopping
 // at a balance that equals the next one (it would stay so to the end) or at
-// one that is not finite.
+// one that is not finite. The payment is not zero (the investment loop runs
+// only with one), so a zero balance never equals the next.
 GrowthRun runGrowth(double balance, double rate, double payment, long long count);
 
 struct LoanRun
