@@ -182,7 +182,12 @@ QString plainNumber(double value)
     // that 0.07 * 100 edits as 7 rather than 7.000000000000001.
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    return locale.toString(value, 'g', 15);
+    QString text = locale.toString(value, 'g', 15);
+    // Near the largest double, fifteen digits round up past it; seventeen
+    // always read back.
+    if (std::isfinite(value) && !parseNumber(text))
+        text = locale.toString(value, 'g', 17);
+    return text;
 }
 
 } // namespace quillet

@@ -20,19 +20,10 @@ using namespace quillet::test;
 namespace {
 
 // Negatives, zero, fractions that round, huge and tiny values.
-const double SpreadOfValues[] = {1234.567,
-                                 -1234.567,
-                                 0.0,
-                                 -0.004,
-                                 0.5,
-                                 987654321.123,
-                                 1e15,
-                                 -1e300,
-                                 1e-300,
-                                 1e308,
-                                 -9.87654321e250,
-                                 123456789012345.67,
-                                 -5e-324};
+const double SpreadOfValues[] = {1234.567, -1234.567, 0.0, -0.004, 0.5, 987654321.123, 1e15, -1e300,
+                                 1e-300, 1e308, -9.87654321e250, 123456789012345.67, -5e-324,
+                                 // The largest double, whose 15 digits round past it.
+                                 1.7976931348623157e308, -1.7976931348623157e308};
 
 // Every text the program shows or puts in a cell for editing, as the cell
 // editor reads it back (a rate up to its percent sign), with the value that
