@@ -248,10 +248,13 @@ void TestScenarioFile::rewriteSyncsTheScratchFileBeforeTheRenameAndTheDirectoryA
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
     QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2, 3})));
-    ScenarioFile file;
-    QVERIFY(file.OpenDataFile(QStringLiteral("In.dat")).ok());
+    // Outlives the file that calls it.
     RecordingFileCalls calls;
+    ScenarioFile file;
     file.setCalls(&calls);
+    QVERIFY(file.OpenDataFile(QStringLiteral("In.dat")).ok());
+    calls.calls.clear();
+    calls.openedPaths.clear();
 
     QVERIFY(file.remove(2).ok());
     const QString folder = QFileInfo(QDir::currentPath()).fileName();
@@ -271,7 +274,7 @@ void TestScenarioFile::rewriteSyncsTheScratchFileBeforeTheRenameAndTheDirectoryA
                                   QStringLiteral("close In.dat"),
                                   QStringLiteral("open In.dat"),
                               }));
-    QCOMPARE(calls.openedPaths.at(1), QDir::current().filePath(QStringLiteral("tmpil.dat")));
+    QCOMPARE(calls.openedPaths.at(0), QDir::current().filePath(QStringLiteral("tmpil.dat")));
     QCOMPARE(fileBytes(QStringLiteral("In.dat")), listBytes({1, 3}));
 }
 
@@ -296,9 +299,10 @@ void TestScenarioFile::deleteInterruptedAtAnyCallLeavesACompleteListFile()
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
     QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2, 3})));
+    // Outlives the file that calls it.
+    RecordingFileCalls calls;
     ScenarioFile file;
     QVERIFY(file.OpenDataFile(QStringLiteral("In.dat")).ok());
-    RecordingFileCalls calls;
     calls.failing = QStringList{call, QStringLiteral("open In.dat read-only")};
     file.setCalls(&calls);
 
@@ -336,9 +340,10 @@ void TestScenarioFile::failedWriteLeavesTheFileAsItWas()
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
     QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
+    // Outlives the file that calls it.
+    RecordingFileCalls calls;
     ScenarioFile file;
     QVERIFY(file.OpenDataFile(QStringLiteral("In.dat")).ok());
-    RecordingFileCalls calls;
     calls.failing = QStringList{call};
     calls.failError = ENOSPC;
     file.setCalls(&calls);
@@ -407,8 +412,9 @@ void TestScenarioFile::listThatCannotBeWrittenOpensReadOnlyAndRefusesChanges()
 {
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
-    QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
+    // Outlives the file that calls it.
     RecordingFileCalls calls;
+    QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
     calls.failing = QStringList{QStringLiteral("open In.dat")};
     calls.failError = EACCES;
     ScenarioFile file;
@@ -439,8 +445,9 @@ void TestScenarioFile::listThatCannotBeReadOpensEmptyAndIsNeverWritten()
 {
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
-    QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
+    // Outlives the file that calls it.
     RecordingFileCalls calls;
+    QVERIFY(writeBytes(QStringLiteral("In.dat"), listBytes({1, 2})));
     calls.failing =
         QStringList{QStringLiteral("open In.dat"), QStringLiteral("open In.dat read-only")};
     calls.failError = EACCES;

@@ -193,11 +193,12 @@ void TestUndoHistory::undoThatCannotBeWrittenKeepsTheHistory()
 {
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
+    // Outlives the file that calls it.
+    RecordingFileCalls calls;
     Session session;
     QVERIFY(openSession(session, {1, 2, 3}));
     session.current().SelRow = 3;
     QVERIFY(session.deleteSelected().ok());
-    RecordingFileCalls calls;
     calls.failing = QStringList{QStringLiteral("rename tmpil.dat In.dat")};
     session.current().file.setCalls(&calls);
 
@@ -276,11 +277,12 @@ void TestUndoHistory::failedSwapLeavesFileAndHistoryAsTheyWere()
 {
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
+    // Outlives the file that calls it.
+    RecordingFileCalls calls;
     Session session;
     QVERIFY(openSession(session, {1, 2}));
     QVERIFY(changePayment(session, 1, 11.0));
     const QByteArray before = fileBytes(QStringLiteral("In.dat"));
-    RecordingFileCalls calls;
     calls.failing = QStringList{QStringLiteral("fdatasync In.dat")};
     session.current().file.setCalls(&calls);
 
@@ -300,9 +302,10 @@ void TestUndoHistory::deleteWhoseReopenFailsIsStillUndoable()
 {
     ScratchDirectory dir;
     QVERIFY2(dir.isValid(), "no temporary directory");
+    // Outlives the file that calls it.
+    RecordingFileCalls calls;
     Session session;
     QVERIFY(openSession(session, {1, 2, 3}));
-    RecordingFileCalls calls;
     // The list file cannot be opened again once it has been replaced.
     calls.failing =
         QStringList{QStringLiteral("open In.dat"), QStringLiteral("open In.dat read-only")};

@@ -2,6 +2,7 @@
 
 #include "filecalls.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QMap>
 #include <QString>
@@ -43,31 +44,31 @@ public:
     }
     ssize_t pread(int fd, char *buffer, size_t size, off_t offset) override
     {
-        if (fails(QStringLiteral("pread ") + m_names.value(fd)))
+        if (fails(QStringLiteral("pread ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::pread(fd, buffer, size, offset);
     }
     ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
     {
-        if (fails(QStringLiteral("pwrite ") + m_names.value(fd)))
+        if (fails(QStringLiteral("pwrite ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::pwrite(fd, data, size, offset);
     }
     int fdatasync(int fd) override
     {
-        if (fails(QStringLiteral("fdatasync ") + m_names.value(fd)))
+        if (fails(QStringLiteral("fdatasync ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::fdatasync(fd);
     }
     int fsync(int fd) override
     {
-        if (fails(QStringLiteral("fsync ") + m_names.value(fd)))
+        if (fails(QStringLiteral("fsync ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::fsync(fd);
     }
     int ftruncate(int fd, off_t length) override
     {
-        if (fails(QStringLiteral("ftruncate ") + m_names.value(fd)))
+        if (fails(QStringLiteral("ftruncate ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::ftruncate(fd, length);
     }
@@ -78,13 +79,14 @@ public:
     }
     int fchmod(int fd, mode_t mode) override
     {
-        if (fails(QStringLiteral("fchmod ") + m_names.value(fd)))
+        if (fails(QStringLiteral("fchmod ") + nameOfHandle(fd)))
             return -1;
         return FileCalls::fchmod(fd, mode);
     }
     int close(int fd) override
     {
-        const QString name = m_names.take(fd);
+        const QString name = nameOfHandle(fd);
+        m_names.remove(fd);
         if (fails(QStringLiteral("close ") + name)) {
             FileCalls::close(fd);
             errno = failError;
@@ -116,6 +118,14 @@ public:
     }
 
 private:
+    // Handles opened before the recorder was set are named by the system.
+    QString nameOfHandle(int fd) const
+    {
+        if (m_names.contains(fd))
+            return m_names.value(fd);
+        return QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(fd)))
+            .fileName();
+    }
     static QString nameOf(const QByteArray &path)
     {
         const QString name = QFileInfo(QString::fromLocal8Bit(path)).fileName();
