@@ -1,5 +1,7 @@
 #include "schedule.h"
 
+#include "figuretext.h"
+
 #include "rates.h"
 
 #include <QLocale>
@@ -206,7 +208,7 @@ QString scheduleAmountText(double value)
     // A figure that is not finite has no text, as in the grid.
     if (!std::isfinite(value))
         return {};
-    return QLocale().toCurrencyString(value, QString(), 2);
+    return currencyText(value);
 }
 
 QString schedulePeriodText(int period)
