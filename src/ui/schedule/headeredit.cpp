@@ -83,7 +83,11 @@ HeaderStore storeHeaderText(GridColumn field, const QString &text, ScenarioRecor
         record.PerYear = static_cast<qint16>(rounded);
         return HeaderStore::Stored;
     }
-    *numericField(field, record) = field == GridColumn::Yield ? *value / 100 : *value;
+    const double stored = field == GridColumn::Yield ? *value / 100 : *value;
+    // Stored, the marker would blank the field behind the user's back.
+    if (!IsSet(stored))
+        return HeaderStore::BlankMarker;
+    *numericField(field, record) = stored;
     return HeaderStore::Stored;
 }
 

@@ -16,6 +16,7 @@ enum class HeaderStore {
     Stored,         // the text is in the record
     Empty,          // a numeric field left empty: nothing changes
     NotANumber,     // nothing changes
+    BlankMarker,    // the number that marks an empty field: nothing changes
     PerYearTooLarge // beyond what the record's 16 bits hold: nothing changes
 };
 

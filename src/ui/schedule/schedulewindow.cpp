@@ -496,6 +496,10 @@ bool ScheduleWindow::saveField(HeaderField *box)
         showMessage(this, perYearTooLargeMessage(text));
         displayHeader();
         return false;
+    case HeaderStore::BlankMarker:
+        showMessage(this, blankMarkerMessage(text));
+        displayHeader();
+        return false;
     }
     if (column != GridColumn::Desc) {
         const ScheduleHeader header =

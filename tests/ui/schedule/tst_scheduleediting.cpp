@@ -59,6 +59,7 @@ private slots:
     void escapeDropsWhatWasTyped();
     void emptiedNumericFieldShowsItsValueAgainAndWritesNothing();
     void textThatIsNoNumberIsRefusedWithTheGridMessage();
+    void blankMarkerIsRefusedWithTheGridMessage();
     void perYearBeyond16BitsIsRefused();
     void perYearIsRoundedHalfToEvenWithoutRangeCheck();
     void periodCountBeyond32767IsRefused();
@@ -378,6 +379,23 @@ void TestScheduleEditing::textThatIsNoNumberIsRefusedWithTheGridMessage()
     typeInto(fixture.field(QStringLiteral("Payment")), QStringLiteral("abc"));
     QCOMPARE(m_boxes.texts(), QStringList({QStringLiteral("Error, \"abc\" is not a number")}));
     QCOMPARE(m_boxes.titles(), QStringList({QStringLiteral("Quillet")}));
+    QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
+    QCOMPARE(fixture.field(QStringLiteral("Payment"))->text(), QStringLiteral("$100.00 "));
+}
+
+void TestScheduleEditing::blankMarkerIsRefusedWithTheGridMessage()
+{
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({plan()}));
+    QVERIFY(fixture.open(ListKind::Investments, 1));
+    m_boxes.expect(2);
+    typeInto(fixture.field(QStringLiteral("Payment")), QStringLiteral("-987456321"));
+    typeInto(fixture.field(QStringLiteral("Yield")), QStringLiteral("-98745632100%"));
+    const QString refused = QStringLiteral(
+        "Error, \"%1\" cannot be stored: this exact number marks an empty field. Nothing was "
+        "changed; leave the cell empty to have the value calculated.");
+    QCOMPARE(m_boxes.texts(), (QStringList{refused.arg(QStringLiteral("-987456321")),
+                                           refused.arg(QStringLiteral("-98745632100%"))}));
     QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
     QCOMPARE(fixture.field(QStringLiteral("Payment"))->text(), QStringLiteral("$100.00 "));
 }
