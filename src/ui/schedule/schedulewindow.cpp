@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -63,6 +64,7 @@ ScheduleWindow::ScheduleWindow(Session &session, ListKind list, const WindowSpec
     buildButtons();
     buildTable();
     buildScrollBar();
+    addKeys();
     setTabOrder();
 }
 
@@ -117,6 +119,40 @@ void ScheduleWindow::buildButtons()
     Exit = makeButton(QStringLiteral("Exit"), ExitTop, ExitToolTip);
     connect(Print, &QPushButton::clicked, this, &ScheduleWindow::Print_Click);
     connect(Exit, &QPushButton::clicked, this, &ScheduleWindow::Exit_Click);
+}
+
+void ScheduleWindow::addKeys()
+{
+    // Ctrl+P prints as the Print button does, named in its tool tip.
+    const QKeySequence printKey(Qt::CTRL | Qt::Key_P);
+    Print->setToolTip(QStringLiteral("%1 (%2)").arg(Print->toolTip(),
+                                                    printKey.toString(QKeySequence::NativeText)));
+    connect(new QShortcut(printKey, this), &QShortcut::activated, this, [this] {
+        // As a click: the button takes the focus, so a field being edited is
+        // left, and saved, first.
+        Print->setFocus(Qt::ShortcutFocusReason);
+        Print->click();
+    });
+    // Escape (outside an edit) closes as Exit does: keyPressEvent.
+    Exit->setToolTip(QStringLiteral("%1 (%2)").arg(
+        Exit->toolTip(), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText)));
+    // Page Up, Page Down, Home and End move through the table; in a field,
+    // Home and End stay with the text.
+    const std::array<std::pair<Qt::Key, QAbstractSlider::SliderAction>, 4> moves = {{
+        {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+        {Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
+        {Qt::Key_Home, QAbstractSlider::SliderToMinimum},
+        {Qt::Key_End, QAbstractSlider::SliderToMaximum},
+    }};
+    for (const auto &[key, action] : moves) {
+        connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this,
+                [this, action = action] {
+                    if (VScroll1->isHidden())
+                        return;
+                    endEdit();
+                    VScroll1->triggerAction(action);
+                });
+    }
 }
 
 void ScheduleWindow::buildTable()
@@ -443,6 +479,11 @@ bool ScheduleWindow::field_KeyPress(HeaderField *box, const QKeyEvent *event)
 {
     switch (event->key()) {
     case Qt::Key_Escape:
+        // Outside an edit, Escape closes the window.
+        if (!box->hasEditLook() && !box->DataChanged()) {
+            Exit_Click();
+            return true;
+        }
         // What was typed is dropped.
         box->setDataChanged(false);
         [[fallthrough]];
@@ -554,9 +595,11 @@ void ScheduleWindow::wheelEvent(QWheelEvent *event)
 
 void ScheduleWindow::keyPressEvent(QKeyEvent *event)
 {
-    // Only Exit closes the window; Escape does not.
+    // Escape outside an edit closes the window as Exit does; in a field being
+    // edited it only drops what was typed.
     if (event->key() == Qt::Key_Escape) {
         event->accept();
+        Exit_Click();
         return;
     }
     QDialog::keyPressEvent(event);

@@ -84,6 +84,7 @@ private:
     void buildButtons();
     void buildTable();
     void buildScrollBar();
+    void addKeys();
     void setTabOrder();
     QRect pixelRect(int left, int top, int width, int height) const;
 
