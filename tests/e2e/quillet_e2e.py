@@ -9,8 +9,8 @@ files' bytes are compared with the records the step must leave, and a
 screenshot of each window is kept under the artifacts directory.
 
 usage: quillet_e2e.py QUILLET ARTIFACTS-DIR
-Exits 0 when every scenario passes, 1 on a failure, 77 when Xvfb, xdotool or
-ImageMagick is missing.
+Exits 0 when every scenario passes, 1 on a failure, 77 (skipped) when Xvfb or
+xdotool is missing.
 """
 
 import os
@@ -391,214 +391,259 @@ LOANS_LIST = [record(b'House', 100000.0, 0.05, 30.0, BLANK, 12)] + [
     record(('Loan %d' % n).encode(), 1000.0 * n, 0.06, 5.0, BLANK, 12) for n in range(2, 21)]
 
 
+class Day:
+    """The session the working-day scenarios share: the program, its main
+    window, and the records each list file must hold."""
+
+    def __init__(self, desktop, app):
+        self.desktop = desktop
+        self.app = app
+        self.main = app.main_window()
+        self.in_dat = app.path('In.dat')
+        self.ln_dat = app.path('Ln.dat')
+        self.investments = [RETIREMENT, COLLEGE, SAVINGS]
+        self.loans = list(LOANS_LIST)
+
+    def edit(self, window, rect, text, leave='Return', replace=True):
+        """Clicks a field, types, and leaves it with a key."""
+        self.desktop.click(window, rect)
+        if replace:
+            self.desktop.key(window, 'ctrl+a')
+        self.desktop.type(window, text)
+        self.desktop.key(window, leave)
+
+    def click(self, rect):
+        self.desktop.click(self.main, rect)
+
+    def expect_investments(self, records, step_name):
+        self.investments = records
+        expect_file(self.in_dat, records, step_name)
+
+    def expect_loans(self, records, step_name):
+        self.loans = records
+        expect_file(self.ln_dat, records, step_name)
+
+    def expect_unchanged(self, step_name):
+        expect_unchanged(self.in_dat, self.investments, step_name)
+        expect_unchanged(self.ln_dat, self.loans, step_name)
+
+    def screenshot(self, name, ready=None):
+        return self.desktop.screenshot(self.main, name, ready)
+
+
+def opening(day):
+    shot = day.screenshot('01-main-at-start', lambda png: is_bold(png, cell('FutureValue', 3)))
+    expect_bold(shot, cell('FutureValue', 3), 'the blank future value of row 3')
+    expect_regular(shot, cell('Payment', 3), 'the stored payment of row 3')
+    step('the window opens on the investments, the blank future values in bold')
+    return shot
+
+
+def typical_edit(day, shot):
+    """A payment typed in row 3 and left with Enter: on disk at once, the blank
+    future value recomputed and shown in bold."""
+    before = crop_hash(shot, cell('FutureValue', 3))
+    day.edit(day.main, cell('Payment', 3), '100')
+    day.expect_investments([RETIREMENT, COLLEGE, replaced(SAVINGS, payment=100.0)],
+                           'payment typed in row 3')
+    shot = day.screenshot('02-payment-typed-in-row-3',
+                          lambda png: crop_hash(png, cell('FutureValue', 3)) != before and
+                          is_bold(png, cell('FutureValue', 3)))
+    if crop_hash(shot, cell('FutureValue', 3)) == before:
+        raise Failure('the future value of row 3 was not recomputed')
+    expect_bold(shot, cell('FutureValue', 3), 'the recomputed future value of row 3')
+    expect_regular(shot, cell('Payment', 3), 'the typed payment of row 3')
+    step('a payment typed in row 3 is on disk and its future value recomputed in bold')
+
+
+def escape_and_tab(day):
+    day.edit(day.main, cell('Desc', 1), 'Typed, then Escape', leave='Escape', replace=False)
+    day.edit(day.main, cell('Years', 2), '4', leave='Tab')
+    day.expect_investments([RETIREMENT, replaced(COLLEGE, years=4.0), day.investments[2]],
+                           'Escape in row 1, then years typed in row 2 and left with Tab')
+    shot = day.screenshot('03-escape-and-tab')
+    expect_bold(shot, cell('Payment', 2), 'the recomputed payment of row 2')
+    step('Escape discards the typing, Tab stores it')
+
+
+def list_commands(day):
+    """Add New, Copy, Delete, Move Up and Move Down, then Undo of the delete
+    and of both edits. Returns nothing; the day keeps the records."""
+    years_typed = replaced(COLLEGE, years=4.0)
+    payment_typed = replaced(SAVINGS, payment=100.0)
+    day.click(ADD_NEW)
+    day.expect_investments([RETIREMENT, years_typed, payment_typed, BLANK_RECORD], 'Add New')
+    day.click(cell('Sel', 2))
+    day.click(COPY)
+    day.expect_investments([RETIREMENT, years_typed, payment_typed, BLANK_RECORD, years_typed],
+                           'Copy of row 2')
+    day.screenshot('04-added-and-copied')
+    step('Add New appends a blank record, Copy the selected one')
+
+    day.click(cell('Sel', 3))
+    day.click(DELETE)
+    day.expect_investments([RETIREMENT, years_typed, BLANK_RECORD, years_typed],
+                           'Delete of row 3')
+    day.screenshot('05-row-3-deleted')
+    step('Delete takes the selected record out of the file')
+
+    day.click(cell('Sel', 2))
+    day.click(MOVE_UP)
+    day.expect_investments([years_typed, RETIREMENT, BLANK_RECORD, years_typed],
+                           'Move Up of row 2')
+    # The selection follows the moved record, now record 1.
+    day.click(MOVE_DOWN)
+    day.expect_investments([RETIREMENT, years_typed, BLANK_RECORD, years_typed],
+                           'Move Down of the moved record')
+    day.click(MOVE_DOWN)
+    day.expect_investments([RETIREMENT, BLANK_RECORD, years_typed, years_typed],
+                           'Move Down again')
+    day.screenshot('06-moved')
+    step('Move Up and Move Down swap the selected record with its neighbour')
+
+    # Undo takes back the delete (moves leave no entry), then each edit: the
+    # record as it was goes back where the edited scenario now is, following
+    # it through the moves and the restored delete.
+    day.click(UNDO)
+    day.expect_investments([RETIREMENT, BLANK_RECORD, payment_typed, years_typed, years_typed],
+                           'Undo of the delete')
+    day.click(UNDO)
+    day.expect_investments([RETIREMENT, BLANK_RECORD, payment_typed, COLLEGE, years_typed],
+                           'Undo of the years typed, the record now 4th')
+    day.click(UNDO)
+    day.expect_investments([RETIREMENT, BLANK_RECORD, SAVINGS, COLLEGE, years_typed],
+                           'Undo of the payment typed in record 3')
+    day.screenshot('07-undone')
+    step('Undo brings back the deleted record, then the values before each edit')
+
+
+def loans_and_wheel(day):
+    day.click(LOANS)
+    day.edit(day.main, cell('Desc', 1), 'Home')
+    loans = list(day.loans)
+    loans[0] = replaced(loans[0], desc='Home')
+    day.expect_loans(loans, 'description typed in row 1 of the loans')
+    expect_unchanged(day.in_dat, day.investments, 'the investments while the loans are shown')
+    shot = day.screenshot('08-loans', lambda png: is_bold(png, cell('Payment', 1)))
+    expect_bold(shot, cell('Payment', 1), 'the solved payment of the first loan')
+    step('Loans shows the loans list; an edit there goes to Ln.dat')
+
+    # The wheel over the grid turns the list; row 1 then shows a later record,
+    # which is the one an edit of row 1 changes.
+    day.desktop.wheel(day.main, cell('Desc', 7), 1)
+    day.edit(day.main, cell('Desc', 1), 'After the wheel')
+    loans[3] = replaced(loans[3], desc='After the wheel')
+    day.expect_loans(loans, 'row 1 edited after one notch of the wheel down')
+    day.screenshot('09-wheel-down')
+    day.desktop.wheel(day.main, cell('Desc', 7), -1)
+    day.edit(day.main, cell('Desc', 2), 'Back at the top')
+    loans[1] = replaced(loans[1], desc='Back at the top')
+    day.expect_loans(loans, 'row 2 edited after one notch of the wheel up')
+    step('the wheel over the grid turns the list three records a notch, both ways')
+
+
+def loan_schedule(day):
+    """Amortize on the first loan: Years edited there, printed, left with Exit."""
+    day.click(cell('Sel', 1))
+    day.click(AMORTIZE)
+    schedule = day.desktop.wait_window('Loan Amortization')
+    day.desktop.screenshot(schedule, '10-loan-schedule')
+    day.edit(schedule, SCHEDULE_YEARS, '15')
+    loans = list(day.loans)
+    loans[0] = replaced(loans[0], years=15.0)
+    day.expect_loans(loans, 'Years typed in the loan schedule')
+    day.desktop.screenshot(schedule, '11-loan-schedule-15-years')
+    day.desktop.click(schedule, SCHEDULE_PRINT)
+    answer_pdf_dialogs(day.desktop, '12-loan-schedule-print')
+    pdf = day.app.path('Home.pdf')
+    wait_for_pdf(pdf, 'the loan schedule printed without a printer')
+    shutil.copy(pdf, os.path.join(day.desktop.artifacts, '12-loan-schedule.pdf'))
+    text = pdf_text(pdf)
+    if text is not None and ('Home' not in text or not re.search(r'^\s*180\s', text, re.M)
+                             or re.search(r'^\s*181\s', text, re.M)):
+        raise Failure('the schedule PDF lacks the description or ends elsewhere than at '
+                      'period 180:\n' + text[:600])
+    day.desktop.click(schedule, SCHEDULE_EXIT)
+    day.desktop.wait_gone('Loan Amortization')
+    day.expect_unchanged('Exit of the loan schedule')
+    step('the loan schedule edits Years into the file, prints to a PDF, and Exit closes it')
+
+
+def new_pdfs(folder, before):
+    return sorted(n for n in set(os.listdir(folder)) - before if n.endswith('.pdf'))
+
+
+def list_print(day):
+    """Print with no printer: the PDF, named after the list, holds it all."""
+    folder = day.app.folder
+    before = set(os.listdir(folder))
+    day.click(PRINT)
+    answer_pdf_dialogs(day.desktop, '13-list-print')
+    deadline = time.monotonic() + WAIT_SECONDS
+    while not new_pdfs(folder, before) and time.monotonic() < deadline:
+        time.sleep(0.05)
+    new = new_pdfs(folder, before)
+    if len(new) != 1:
+        raise Failure('printing the list made the PDF files %s' % new)
+    pdf = day.app.path(new[0])
+    wait_for_pdf(pdf, 'the loans list printed without a printer')
+    shutil.copy(pdf, os.path.join(day.desktop.artifacts, '13-list.pdf'))
+    text = pdf_text(pdf)
+    if text is not None and ('Home' not in text or 'Loan 20' not in text):
+        raise Failure('the list PDF lacks its first or last loan:\n' + text[:400])
+    day.expect_unchanged('printing the list')
+    step('Print offers a PDF without a printer; %s holds the whole list' % new[0])
+
+
+def investment_schedule(day):
+    day.click(INVESTMENTS)
+    day.click(cell('Sel', 1))
+    day.click(AMORTIZE)
+    schedule = day.desktop.wait_window('Investment Amortization')
+    day.desktop.screenshot(schedule, '14-investment-schedule')
+    day.edit(schedule, SCHEDULE_YEARS, '2')
+    investments = list(day.investments)
+    investments[0] = replaced(investments[0], years=2.0)
+    day.expect_investments(investments, 'Years typed in the investment schedule')
+    day.desktop.screenshot(schedule, '15-investment-schedule-2-years')
+    day.desktop.click(schedule, SCHEDULE_EXIT)
+    day.desktop.wait_gone('Investment Amortization')
+    day.screenshot('16-back-from-the-schedules')
+    day.expect_unchanged('Exit of the investment schedule')
+    step('the investment schedule edits Years into the file and Exit closes it')
+
+
+def exit_button(day):
+    day.click(EXIT)
+    code = day.app.wait_exit()
+    if code != 0:
+        raise Failure('Exit ended quillet with status %d' % code)
+    day.expect_unchanged('after Exit')
+    if os.path.exists(day.app.path('.quillet.lock')):
+        raise Failure('the lock file is left behind after Exit')
+    step('Exit ends quillet with status 0, the files as they were, no lock left')
+
+
 def the_working_day(desktop, program, work):
     """One session: the typical edit, the list commands, both lists, the
     wheel, both schedules, printing, a second copy refused, and Exit."""
     folder = os.path.join(work, 'day')
     os.mkdir(folder)
-    investments = [RETIREMENT, COLLEGE, SAVINGS]
-    loans = list(LOANS_LIST)
-    write_list(os.path.join(folder, 'In.dat'), investments)
-    write_list(os.path.join(folder, 'Ln.dat'), loans)
+    write_list(os.path.join(folder, 'In.dat'), [RETIREMENT, COLLEGE, SAVINGS])
+    write_list(os.path.join(folder, 'Ln.dat'), LOANS_LIST)
     app = Quillet(desktop, program, folder)
     try:
-        main = app.main_window()
-        in_dat, ln_dat = app.path('In.dat'), app.path('Ln.dat')
-        shot = desktop.screenshot(main, '01-main-at-start',
-                                  lambda png: is_bold(png, cell('FutureValue', 3)))
-        expect_bold(shot, cell('FutureValue', 3), 'the blank future value of row 3')
-        expect_regular(shot, cell('Payment', 3), 'the stored payment of row 3')
-        step('the window opens on the investments, the blank future values in bold')
-
-        # The typical edit: a payment typed in row 3, left with Enter.
-        desktop.click(main, cell('Payment', 3))
-        desktop.key(main, 'ctrl+a')
-        desktop.type(main, '100')
-        desktop.key(main, 'Return')
-        investments[2] = replaced(SAVINGS, payment=100.0)
-        expect_file(in_dat, investments, 'payment typed in row 3')
-        before = crop_hash(shot, cell('FutureValue', 3))
-        shot = desktop.screenshot(
-            main, '02-payment-typed-in-row-3',
-            lambda png: crop_hash(png, cell('FutureValue', 3)) != before and
-            is_bold(png, cell('FutureValue', 3)))
-        if crop_hash(shot, cell('FutureValue', 3)) == before:
-            raise Failure('the future value of row 3 was not recomputed')
-        expect_bold(shot, cell('FutureValue', 3), 'the recomputed future value of row 3')
-        expect_regular(shot, cell('Payment', 3), 'the typed payment of row 3')
-        step('a payment typed in row 3 is on disk and its future value recomputed in bold')
-
-        # Escape discards what was typed.
-        desktop.click(main, cell('Desc', 1))
-        desktop.type(main, 'Typed, then Escape')
-        desktop.key(main, 'Escape')
-        # Tab leaves a cell as the mouse does: what was typed is stored.
-        desktop.click(main, cell('Years', 2))
-        desktop.key(main, 'ctrl+a')
-        desktop.type(main, '4')
-        desktop.key(main, 'Tab')
-        investments[1] = replaced(COLLEGE, years=4.0)
-        expect_file(in_dat, investments, 'years typed in row 2 and left with Tab')
-        shot = desktop.screenshot(main, '03-escape-and-tab')
-        expect_bold(shot, cell('Payment', 2), 'the recomputed payment of row 2')
-        step('Escape discards the typing, Tab stores it')
-
-        payment_typed = investments[2]
-        years_typed = investments[1]
-        desktop.click(main, ADD_NEW)
-        investments = [RETIREMENT, years_typed, payment_typed, BLANK_RECORD]
-        expect_file(in_dat, investments, 'Add New')
-        desktop.click(main, cell('Sel', 2))
-        desktop.click(main, COPY)
-        investments = [RETIREMENT, years_typed, payment_typed, BLANK_RECORD, years_typed]
-        expect_file(in_dat, investments, 'Copy of row 2')
-        desktop.screenshot(main, '04-added-and-copied')
-        step('Add New appends a blank record, Copy the selected one')
-
-        desktop.click(main, cell('Sel', 3))
-        desktop.click(main, DELETE)
-        investments = [RETIREMENT, years_typed, BLANK_RECORD, years_typed]
-        expect_file(in_dat, investments, 'Delete of row 3')
-        desktop.screenshot(main, '05-row-3-deleted')
-        step('Delete takes the selected record out of the file')
-
-        desktop.click(main, cell('Sel', 2))
-        desktop.click(main, MOVE_UP)
-        investments = [years_typed, RETIREMENT, BLANK_RECORD, years_typed]
-        expect_file(in_dat, investments, 'Move Up of row 2')
-        # The selection follows the moved record, now record 1.
-        desktop.click(main, MOVE_DOWN)
-        investments = [RETIREMENT, years_typed, BLANK_RECORD, years_typed]
-        expect_file(in_dat, investments, 'Move Down of the moved record')
-        desktop.click(main, MOVE_DOWN)
-        investments = [RETIREMENT, BLANK_RECORD, years_typed, years_typed]
-        expect_file(in_dat, investments, 'Move Down again')
-        desktop.screenshot(main, '06-moved')
-        step('Move Up and Move Down swap the selected record with its neighbour')
-
-        # Undo takes back the delete (moves leave no entry), then each edit:
-        # the record as it was goes back where the edited scenario now is,
-        # following it through the moves and the restored delete.
-        desktop.click(main, UNDO)
-        investments = [RETIREMENT, BLANK_RECORD, payment_typed, years_typed, years_typed]
-        expect_file(in_dat, investments, 'Undo of the delete')
-        desktop.click(main, UNDO)
-        investments = [RETIREMENT, BLANK_RECORD, payment_typed, COLLEGE, years_typed]
-        expect_file(in_dat, investments, 'Undo of the years typed, the record now 4th')
-        desktop.click(main, UNDO)
-        investments = [RETIREMENT, BLANK_RECORD, SAVINGS, COLLEGE, years_typed]
-        expect_file(in_dat, investments, 'Undo of the payment typed in record 3')
-        desktop.screenshot(main, '07-undone')
-        step('Undo brings back the deleted record, then the values before each edit')
-
-        # The loans: the switch button, then a description typed in row 1.
-        desktop.click(main, LOANS)
-        desktop.click(main, cell('Desc', 1))
-        desktop.key(main, 'ctrl+a')
-        desktop.type(main, 'Home')
-        desktop.key(main, 'Return')
-        loans[0] = replaced(loans[0], desc='Home')
-        expect_file(ln_dat, loans, 'description typed in row 1 of the loans')
-        expect_unchanged(in_dat, investments, 'the investments while the loans are shown')
-        shot = desktop.screenshot(main, '08-loans', lambda png: is_bold(png, cell('Payment', 1)))
-        expect_bold(shot, cell('Payment', 1), 'the solved payment of the first loan')
-        step('Loans shows the loans list; an edit there goes to Ln.dat')
-
-        # The wheel over the grid turns the list; row 1 then shows a later
-        # record, which is the one an edit of row 1 changes.
-        desktop.wheel(main, cell('Desc', 7), 1)
-        desktop.click(main, cell('Desc', 1))
-        desktop.key(main, 'ctrl+a')
-        desktop.type(main, 'After the wheel')
-        desktop.key(main, 'Return')
-        loans[3] = replaced(loans[3], desc='After the wheel')
-        expect_file(ln_dat, loans, 'row 1 edited after one notch of the wheel down')
-        desktop.screenshot(main, '09-wheel-down')
-        desktop.wheel(main, cell('Desc', 7), -1)
-        desktop.click(main, cell('Desc', 2))
-        desktop.key(main, 'ctrl+a')
-        desktop.type(main, 'Back at the top')
-        desktop.key(main, 'Return')
-        loans[1] = replaced(loans[1], desc='Back at the top')
-        expect_file(ln_dat, loans, 'row 2 edited after one notch of the wheel up')
-        step('the wheel over the grid turns the list three records a notch, both ways')
-
-        # The loan schedule: Years edited there, printed, left with Exit.
-        desktop.click(main, cell('Sel', 1))
-        desktop.click(main, AMORTIZE)
-        schedule = desktop.wait_window('Loan Amortization')
-        desktop.screenshot(schedule, '10-loan-schedule')
-        desktop.click(schedule, SCHEDULE_YEARS)
-        desktop.key(schedule, 'ctrl+a')
-        desktop.type(schedule, '15')
-        desktop.key(schedule, 'Return')
-        loans[0] = replaced(loans[0], years=15.0)
-        expect_file(ln_dat, loans, 'Years typed in the loan schedule')
-        desktop.screenshot(schedule, '11-loan-schedule-15-years')
-        desktop.click(schedule, SCHEDULE_PRINT)
-        answer_pdf_dialogs(desktop, '12-loan-schedule-print')
-        pdf = app.path('Home.pdf')
-        wait_for_pdf(pdf, 'the loan schedule printed without a printer')
-        shutil.copy(pdf, os.path.join(desktop.artifacts, '12-loan-schedule.pdf'))
-        text = pdf_text(pdf)
-        if text is not None and ('Home' not in text or not re.search(r'^\s*180\s', text, re.M)
-                                 or re.search(r'^\s*181\s', text, re.M)):
-            raise Failure('the schedule PDF lacks the description or ends elsewhere than at '
-                          'period 180:\n' + text[:600])
-        desktop.click(schedule, SCHEDULE_EXIT)
-        desktop.wait_gone('Loan Amortization')
-        expect_unchanged(ln_dat, loans, 'Exit of the loan schedule')
-        step('the loan schedule edits Years into the file, prints to a PDF, and Exit closes it')
-
-        # The list printed: no printer, so a PDF named after the list.
-        before = set(os.listdir(folder))
-        desktop.click(main, PRINT)
-        answer_pdf_dialogs(desktop, '13-list-print')
-        new = sorted(n for n in set(os.listdir(folder)) - before if n.endswith('.pdf'))
-        deadline = time.monotonic() + WAIT_SECONDS
-        while not new and time.monotonic() < deadline:
-            time.sleep(0.05)
-            new = sorted(n for n in set(os.listdir(folder)) - before if n.endswith('.pdf'))
-        if len(new) != 1:
-            raise Failure('printing the list made the PDF files %s' % new)
-        wait_for_pdf(app.path(new[0]), 'the loans list printed without a printer')
-        shutil.copy(app.path(new[0]), os.path.join(desktop.artifacts, '13-list.pdf'))
-        text = pdf_text(app.path(new[0]))
-        if text is not None and ('Home' not in text or 'Loan 20' not in text):
-            raise Failure('the list PDF lacks its first or last loan:\n' + text[:400])
-        step('Print offers a PDF without a printer; %s holds the whole list' % new[0])
-
-        # The investment schedule, from the investments list.
-        desktop.click(main, INVESTMENTS)
-        desktop.click(main, cell('Sel', 1))
-        desktop.click(main, AMORTIZE)
-        schedule = desktop.wait_window('Investment Amortization')
-        desktop.screenshot(schedule, '14-investment-schedule')
-        desktop.click(schedule, SCHEDULE_YEARS)
-        desktop.key(schedule, 'ctrl+a')
-        desktop.type(schedule, '2')
-        desktop.key(schedule, 'Return')
-        investments[0] = replaced(investments[0], years=2.0)
-        expect_file(in_dat, investments, 'Years typed in the investment schedule')
-        desktop.screenshot(schedule, '15-investment-schedule-2-years')
-        desktop.click(schedule, SCHEDULE_EXIT)
-        desktop.wait_gone('Investment Amortization')
-        shot = desktop.screenshot(main, '16-back-from-the-schedules')
-        expect_unchanged(in_dat, investments, 'Exit of the investment schedule')
-        expect_unchanged(ln_dat, loans, 'the loans after both schedules')
-        step('the investment schedule edits Years into the file and Exit closes it')
-
-        second_copy_refused(desktop, program, folder, investments, loans)
-
-        desktop.click(main, EXIT)
-        code = app.wait_exit()
-        if code != 0:
-            raise Failure('Exit ended quillet with status %d' % code)
-        expect_unchanged(in_dat, investments, 'after Exit')
-        expect_unchanged(ln_dat, loans, 'after Exit')
-        if os.path.exists(app.path('.quillet.lock')):
-            raise Failure('the lock file is left behind after Exit')
-        step('Exit ends quillet with status 0, the files as they were, no lock left')
+        day = Day(desktop, app)
+        shot = opening(day)
+        typical_edit(day, shot)
+        escape_and_tab(day)
+        list_commands(day)
+        loans_and_wheel(day)
+        loan_schedule(day)
+        list_print(day)
+        investment_schedule(day)
+        second_copy_refused(desktop, program, folder, day.investments, day.loans)
+        exit_button(day)
     finally:
         app.kill()
 
@@ -702,11 +747,15 @@ def main():
         print(__doc__, file=sys.stderr)
         return 2
     program, artifacts = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
-    missing = [tool for tool in ('Xvfb', 'xdotool', 'import', 'convert', 'identify')
-               if not shutil.which(tool)]
+    missing = [tool for tool in ('Xvfb', 'xdotool') if not shutil.which(tool)]
     if missing:
         print('SKIP: %s not installed (scripts/setup.sh installs them)' % ', '.join(missing))
         return 77
+    missing = [tool for tool in ('import', 'convert', 'identify') if not shutil.which(tool)]
+    if missing:
+        print('FAIL: ImageMagick (%s) is needed for the screenshots; scripts/setup.sh installs it'
+              % ', '.join(missing))
+        return 1
     shutil.rmtree(artifacts, ignore_errors=True)
     os.makedirs(artifacts)
     work = tempfile.mkdtemp(prefix='quillet-e2e-')
