@@ -14,6 +14,7 @@ xdotool is missing.
 """
 
 import os
+import pwd
 import re
 import select
 import shutil
@@ -345,8 +346,9 @@ class Quillet:
                    CUPS_SERVER=os.path.join(folder, 'no-cups.sock'))
         command = [program]
         if user:
-            command = ['setpriv', '--reuid=%s' % user, '--regid=%s' % user, '--clear-groups',
-                       '--'] + command
+            account = pwd.getpwnam(user)
+            command = ['setpriv', '--reuid=%d' % account.pw_uid, '--regid=%d' % account.pw_gid,
+                       '--clear-groups', '--'] + command
         self.log = open(os.path.join(folder, '..', os.path.basename(folder) + '.log'), 'wb')
         self.process = subprocess.Popen(command, cwd=folder, env=env, stdout=self.log,
                                         stderr=subprocess.STDOUT)
