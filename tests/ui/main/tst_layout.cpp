@@ -258,52 +258,64 @@ void TestLayout::commandButtonsHaveTheirCaptionsPicturesFontAndTips_data()
     QTest::addColumn<QSize>("picture");
     QTest::addColumn<bool>("greyPicture");
     QTest::addColumn<QString>("tip");
+    // The key of the command, named after the tip.
+    QTest::addColumn<QString>("key");
     QTest::newRow("AddNew") << QStringLiteral("AddNew") << QStringLiteral("Add New")
                             << QSize(16, 15) << false
                             << QStringLiteral(
-                                   "Click here to add a new, blank, investment or loan scenario.");
+                                   "Click here to add a new, blank, investment or loan scenario.")
+                            << QStringLiteral("Ctrl+N");
     QTest::newRow("Copy") << QStringLiteral("Copy") << QStringLiteral("Copy") << QSize(16, 15)
                           << true
                           << QStringLiteral(
                                  "Click here to add a copy of the currently selected investment or "
-                                 "loan scenario.");
+                                 "loan scenario.")
+                          << QStringLiteral("Ctrl+D");
     QTest::newRow("Delete") << QStringLiteral("Delete") << QStringLiteral("Delete") << QSize(14, 14)
                             << true
                             << QStringLiteral(
                                    "Click here to delete the currently selected investment or loan "
-                                   "scenario.");
+                                   "scenario.")
+                            << QStringLiteral("Del");
     QTest::newRow("Undo")
         << QStringLiteral("Undo") << QStringLiteral("Undo") << QSize(16, 15) << true
         << QStringLiteral("Click here to undo the last change.  (Last 10 changes kept during "
-                          "current session.)");
+                          "current session.)")
+        << QStringLiteral("Ctrl+Z");
     QTest::newRow("MoveUp") << QStringLiteral("MoveUp") << QStringLiteral("Move Up")
                             << QSize(70, 20) << true
                             << QStringLiteral(
                                    "Click here to move the currently selected investment or loan "
-                                   "scenario up one place in the list.");
+                                   "scenario up one place in the list.")
+                            << QStringLiteral("Alt+Up");
     QTest::newRow("MoveDown") << QStringLiteral("MoveDown") << QStringLiteral("Move Down")
                               << QSize(70, 20) << true
                               << QStringLiteral(
                                      "Click here to move the currently selected investment or loan "
-                                     "scenario down one place in the list.");
+                                     "scenario down one place in the list.")
+                              << QStringLiteral("Alt+Down");
     QTest::newRow("Amort")
         << QStringLiteral("Amort") << QStringLiteral("Amortize") << QSize(16, 15) << true
         << QStringLiteral("Click here to show a detailed amortization of the currently "
-                          "selected investment or loan scenario and to be able to print it.");
+                          "selected investment or loan scenario and to be able to print it.")
+        << QStringLiteral("Ctrl+M");
     QTest::newRow("Print") << QStringLiteral("Print") << QStringLiteral("Print") << QSize(16, 15)
                            << false
                            << QStringLiteral(
                                   "Click here to print out the entire list of investment or loan "
-                                  "scenarios.");
+                                  "scenarios.")
+                           << QStringLiteral("Ctrl+P");
     QTest::newRow("cmdExit") << QStringLiteral("cmdExit") << QStringLiteral("Exit") << QSize(16, 16)
                              << false
                              << QStringLiteral(
                                     "Click here to exit.  You don't have to save.  All changes are "
-                                    "saved as you make them.");
+                                    "saved as you make them.")
+                             << QStringLiteral("Ctrl+Q");
     QTest::newRow("Command2")
         << QStringLiteral("Command2") << QStringLiteral("Exit") << QSize(16, 16) << false
         << QStringLiteral("Click here to exit.  You don't have to save.  All changes are "
-                          "saved as you make them.");
+                          "saved as you make them.")
+        << QStringLiteral("");
 }
 
 void TestLayout::commandButtonsHaveTheirCaptionsPicturesFontAndTips()
@@ -313,12 +325,13 @@ void TestLayout::commandButtonsHaveTheirCaptionsPicturesFontAndTips()
     QFETCH(QSize, picture);
     QFETCH(bool, greyPicture);
     QFETCH(QString, tip);
+    QFETCH(QString, key);
     MainWindowFixture fixture;
     QVERIFY(fixture.start({}));
     QToolButton *button = fixture.command(name);
     QVERIFY(button);
     QCOMPARE(button->text(), caption);
-    QCOMPARE(button->toolTip(), tip);
+    QCOMPARE(button->toolTip(), key.isEmpty() ? tip : tip + QStringLiteral(" (%1)").arg(key));
     compareFont(button->font(), QStringLiteral("Arial"), 8.25);
     QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
     QCOMPARE(button->iconSize(), picture);
@@ -336,11 +349,15 @@ void TestLayout::listButtonsHaveTheirCaptionsFontAndTips_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("caption");
     QTest::addColumn<QString>("tip");
+    // The key of the command, named after the tip.
+    QTest::addColumn<QString>("key");
     QTest::newRow("Investments") << QStringLiteral("Investments") << QStringLiteral("Investments")
                                  << QStringLiteral(
-                                        "Click here to look at \"Investment\" scenarios.");
+                                        "Click here to look at \"Investment\" scenarios.")
+                                 << QStringLiteral("Ctrl+1");
     QTest::newRow("Loans") << QStringLiteral("Loans") << QStringLiteral("Loans")
-                           << QStringLiteral("Click here to look at \"Loan\" scenarios.");
+                           << QStringLiteral("Click here to look at \"Loan\" scenarios.")
+                           << QStringLiteral("Ctrl+2");
 }
 
 void TestLayout::listButtonsHaveTheirCaptionsFontAndTips()
@@ -348,12 +365,13 @@ void TestLayout::listButtonsHaveTheirCaptionsFontAndTips()
     QFETCH(QString, name);
     QFETCH(QString, caption);
     QFETCH(QString, tip);
+    QFETCH(QString, key);
     MainWindowFixture fixture;
     QVERIFY(fixture.start({}));
     auto *button = fixture.find<QPushButton>(name);
     QVERIFY(button);
     QCOMPARE(button->text(), caption);
-    QCOMPARE(button->toolTip(), tip);
+    QCOMPARE(button->toolTip(), key.isEmpty() ? tip : tip + QStringLiteral(" (%1)").arg(key));
     compareFont(button->font(), QStringLiteral("Arial"), 9);
     QVERIFY(button->isEnabled());
 }

@@ -209,12 +209,12 @@ void TestMainWindow::commandButtonsShowTheirCaptionsPicturesAndToolTips()
     }
     QCOMPARE(fixture.command(QStringLiteral("Undo"))->toolTip(),
              QStringLiteral("Click here to undo the last change.  (Last 10 changes kept during "
-                            "current session.)"));
+                            "current session.) (Ctrl+Z)"));
     QCOMPARE(fixture.command(QStringLiteral("cmdExit"))->toolTip(),
              QStringLiteral("Click here to exit.  You don't have to save.  All changes are saved "
-                            "as you make them."));
+                            "as you make them. (Ctrl+Q)"));
     QCOMPARE(fixture.find(QStringLiteral("Investments"))->toolTip(),
-             QStringLiteral("Click here to look at \"Investment\" scenarios."));
+             QStringLiteral("Click here to look at \"Investment\" scenarios. (Ctrl+1)"));
     QCOMPARE(fixture.sel(1)->toolTip(),
              QStringLiteral("Click here to select a row to delete, copy, move or do an "
                             "amortization.  (Click again to de-select.)"));
