@@ -82,20 +82,20 @@ HeaderField *ScheduleWindow::field(GridColumn field) const
 
 void ScheduleWindow::buildHeader()
 {
-    for (const FieldSpec &spec : m_layout.fields) {
-        auto *caption = new QLabel(spec.caption.toString(), this);
-        caption->setObjectName(spec.labelName.toString());
+    for (const FieldSpec &layout : m_layout.fields) {
+        auto *caption = new QLabel(layout.caption.toString(), this);
+        caption->setObjectName(layout.labelName.toString());
         caption->setAlignment(Qt::AlignLeft | Qt::AlignTop);
         caption->setGeometry(
-            pixelRect(LabelLeft, spec.labelTop, LabelWidth,
-                      spec.field == GridColumn::Desc ? DescLabelHeight : LabelHeight));
-        auto *box = new HeaderField(spec.field, this);
-        box->setObjectName(spec.name.toString());
-        box->setGeometry(pixelRect(FieldLeft, spec.top, FieldWidth, FieldHeight));
+            pixelRect(LabelLeft, layout.labelTop, LabelWidth,
+                      layout.field == GridColumn::Desc ? DescLabelHeight : LabelHeight));
+        auto *box = new HeaderField(layout.field, this);
+        box->setObjectName(layout.name.toString());
+        box->setGeometry(pixelRect(FieldLeft, layout.top, FieldWidth, FieldHeight));
         box->installEventFilter(this);
         caption->setBuddy(box);
-        m_fields.at(indexOf(spec.field)) = box;
-        m_captions.at(indexOf(spec.field)) = caption;
+        m_fields.at(indexOf(layout.field)) = box;
+        m_captions.at(indexOf(layout.field)) = caption;
     }
     // A loan's total interest is calculated, never typed in.
     if (m_list == ListKind::Loans)
