@@ -169,12 +169,12 @@ void ScheduleWindow::buildTable()
     Line1->setPalette(ink);
 
     const QFont fixedPitch = windowFont(QStringLiteral("Courier"), 9.75);
-    for (const ColumnSpec &spec : m_layout.columns) {
-        auto *heading = new QLabel(spec.heading.toString(), this);
-        heading->setObjectName(spec.headingName.toString());
-        heading->setAlignment(spec.headingAlignment | Qt::AlignTop);
+    for (const ColumnSpec &layout : m_layout.columns) {
+        auto *heading = new QLabel(layout.heading.toString(), this);
+        heading->setObjectName(layout.headingName.toString());
+        heading->setAlignment(layout.headingAlignment | Qt::AlignTop);
         heading->setWordWrap(m_layout.headingsWrap);
-        heading->setGeometry(pixelRect(spec.headingLeft, m_layout.headingTop, spec.headingWidth,
+        heading->setGeometry(pixelRect(layout.headingLeft, m_layout.headingTop, layout.headingWidth,
                                        m_layout.headingHeight));
         heading->installEventFilter(this);
         m_headings.push_back(heading);
@@ -182,13 +182,13 @@ void ScheduleWindow::buildTable()
         CellColumn cells{};
         for (int row = 0; row < RowCount; ++row) {
             auto *cell = new ScheduleCell(this);
-            cell->setObjectName(arrayName(spec.name, row));
-            cell->setAlignment(spec.alignment | Qt::AlignTop);
-            if (spec.fixedPitch)
+            cell->setObjectName(arrayName(layout.name, row));
+            cell->setAlignment(layout.alignment | Qt::AlignTop);
+            if (layout.fixedPitch)
                 cell->setFont(fixedPitch);
             cell->setGeometry(
-                pixelRect(spec.left, spec.firstTop + RowPitch * row, spec.width, RowHeight));
-            cell->setAccessibleName(QStringLiteral("%1, row %2").arg(spec.heading).arg(row + 1));
+                pixelRect(layout.left, layout.firstTop + RowPitch * row, layout.width, RowHeight));
+            cell->setAccessibleName(QStringLiteral("%1, row %2").arg(layout.heading).arg(row + 1));
             cell->installEventFilter(this);
             cells[std::size_t(row)] = cell;
         }
@@ -213,8 +213,8 @@ void ScheduleWindow::buildScrollBar()
 void ScheduleWindow::setTabOrder()
 {
     std::map<int, QWidget *> byTabIndex;
-    for (const FieldSpec &spec : m_layout.fields)
-        byTabIndex[spec.tabIndex] = field(spec.field);
+    for (const FieldSpec &layout : m_layout.fields)
+        byTabIndex[layout.tabIndex] = field(layout.field);
     byTabIndex[m_layout.printTabIndex] = Print;
     byTabIndex[m_layout.printTabIndex + 1] = VScroll1;
     byTabIndex[m_layout.printTabIndex + 2] = Exit;
