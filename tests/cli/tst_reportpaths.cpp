@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -31,7 +33,9 @@ private slots:
     void recordOfAnEmptyListSaysTheListHoldsNoRecords();
     void doubleDashEndsTheOptions();
     void optionsBeforeTheCommandStillDrawAChart();
+    void chartIsDrawnWithoutAnyDisplay();
     void chartIntoAMissingDirectoryFailsNamingIt();
+    void schedulePdfIntoAMissingDirectoryFailsNamingIt();
     void schedulePdfOfMoreThan32767PeriodsWritesNoFile();
 
 private:
@@ -188,6 +192,22 @@ void TestReportPaths::optionsBeforeTheCommandStillDrawAChart()
     QVERIFY(svg.readAll().contains("Savings"));
 }
 
+void TestReportPaths::chartIsDrawnWithoutAnyDisplay()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString &name : {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("DISPLAY"),
+                                QStringLiteral("WAYLAND_DISPLAY")})
+        environment.remove(name);
+    const QString chart = QDir(path()).filePath(QStringLiteral("savings.png"));
+    const Run run = runReport({QStringLiteral("chart"), QStringLiteral("investments"),
+                               QStringLiteral("1"), QStringLiteral("--size"),
+                               QStringLiteral("320x200"), QStringLiteral("--output"), chart},
+                              path(), environment);
+    QCOMPARE(run.errText(), QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(QImage(chart).size(), QSize(320, 200));
+}
+
 void TestReportPaths::chartIntoAMissingDirectoryFailsNamingIt()
 {
     const Run run =
@@ -198,6 +218,20 @@ void TestReportPaths::chartIntoAMissingDirectoryFailsNamingIt()
     QCOMPARE(run.out, QByteArray());
     QCOMPARE(run.errText(), QStringLiteral("quillet-report: could not write nowhere/chart.png: No "
                                            "such file or directory\n"));
+    QVERIFY(!QFileInfo::exists(QDir(path()).filePath(QStringLiteral("nowhere"))));
+}
+
+void TestReportPaths::schedulePdfIntoAMissingDirectoryFailsNamingIt()
+{
+    const Run run =
+        runReport({QStringLiteral("schedule"), QStringLiteral("investments"), QStringLiteral("1"),
+                   QStringLiteral("--format"), QStringLiteral("pdf"), QStringLiteral("--output"),
+                   QStringLiteral("nowhere/schedule.pdf")},
+                  path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, QByteArray());
+    QCOMPARE(run.errText(), QStringLiteral("quillet-report: nowhere/schedule.pdf cannot be "
+                                           "written: No such file or directory\n"));
     QVERIFY(!QFileInfo::exists(QDir(path()).filePath(QStringLiteral("nowhere"))));
 }
 
