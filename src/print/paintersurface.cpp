@@ -26,6 +26,7 @@ bool PainterSurface::begin(QPagedPaintDevice &device)
     m_device = &device;
     m_pixelsPerTwip = device.logicalDpiY() / static_cast<double>(TwipsPerInch);
     m_pageHeight = pixelsToTwips(device.height(), device.logicalDpiY());
+    findPaperEdges(device);
     applyFont();
     return true;
 }
@@ -57,6 +58,21 @@ void PainterSurface::applyFont()
     m_rawFont = QRawFont::fromFont(QFont(m_painter.font(), m_device));
 }
 
+void PainterSurface::findPaperEdges(QPagedPaintDevice &device)
+{
+    const QPageLayout layout = device.pageLayout();
+    const int dpi = device.logicalDpiX();
+    const QRect paper = layout.fullRectPixels(dpi);
+    const QRect printable = layout.paintRectPixels(dpi);
+    m_paperLeft = paper.left() - printable.left();
+    m_paperRight = m_paperLeft + paper.width();
+    // A device that knows no paper still paints its whole width.
+    if (paper.isEmpty()) {
+        m_paperLeft = 0;
+        m_paperRight = device.width();
+    }
+}
+
 void PainterSurface::startNewPage()
 {
     if (m_device)
@@ -80,16 +96,30 @@ void PainterSurface::drawText(double x, double y, const QString &text)
     }
     const QList<QPointF> advances = m_rawFont.advancesForGlyphIndexes(
         glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
+    // A 300-digit figure set flush right in its column runs far off the
+    // paper's left edge. Only the glyphs that reach onto the paper are
+    // drawn; each keeps the position it has in the whole text, the pen
+    // summed over every advance before it. The paper's edges are widened by
+    // an em so that no glyph's ink reaching past its advance is lost.
+    const double slack = m_rawFont.pixelSize();
+    const double left = m_paperLeft - slack - baseline.x();
+    const double right = m_paperRight + slack - baseline.x();
+    QList<quint32> shown;
     QList<QPointF> positions;
-    positions.reserve(glyphs.size());
     QPointF pen;
-    for (const QPointF &advance : advances) {
-        positions.append(pen);
-        pen += advance;
+    for (qsizetype n = 0; n < glyphs.size(); ++n) {
+        const QPointF at = pen;
+        pen += advances[n];
+        if (pen.x() > left && at.x() < right) {
+            shown.append(glyphs[n]);
+            positions.append(at);
+        }
     }
+    if (shown.isEmpty())
+        return;
     QGlyphRun run;
     run.setRawFont(m_rawFont);
-    run.setGlyphIndexes(glyphs);
+    run.setGlyphIndexes(shown);
     run.setPositions(positions);
     m_painter.drawGlyphRun(baseline, run);
 }

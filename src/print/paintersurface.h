@@ -41,6 +41,9 @@ protected:
 private:
     double pixels(double twips) const { return twips * m_pixelsPerTwip; }
     void applyFont();
+    // The paper's left and right edges in device pixels, from the printable
+    // area's left edge.
+    void findPaperEdges(QPagedPaintDevice &device);
 
     QPainter m_painter;
     QPagedPaintDevice *m_device = nullptr;
@@ -50,6 +53,8 @@ private:
     double m_pageHeight = 0;
     double m_lineHeight = 0;
     double m_ascent = 0;
+    double m_paperLeft = 0;
+    double m_paperRight = 0;
 };
 
 // A printout written to a PDF file on US Letter paper, all or nothing: the
