@@ -41,6 +41,7 @@ private slots:
     void recordThatCannotBeReadIsExplainedAndShowsAnEmptySchedule();
     void wheelOverTheTableAreaPagesTheTableAndAboveItDoesNot();
     void escapeInAFieldOutsideAnEditClosesTheWindow();
+    void pageKeysAndTheWheelLeaveTheEditOfAScheduleThatFits();
 
 private:
     MessageBoxWatcher m_boxes;
@@ -80,7 +81,7 @@ void TestScheduleEdges::recordThatCannotBeReadIsExplainedAndShowsAnEmptySchedule
     QCOMPARE(fixture.field(QStringLiteral("Desc"))->text(), QString());
     QCOMPARE(fixture.field(QStringLiteral("Payment"))->text(), QString());
     QVERIFY(fixture.scrollBar()->isHidden());
-    QCOMPARE(fixture.text(QStringLiteral("Earnings"), 1), QString());
+    QCOMPARE(fixture.text(QStringLiteral("Earnings"), 0), QString());
     QCOMPARE(calls.changes(), QStringList());
     QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
 }
@@ -117,6 +118,38 @@ void TestScheduleEdges::escapeInAFieldOutsideAnEditClosesTheWindow()
     QTest::keyClick(amount, Qt::Key_Escape);
     QVERIFY(!window->isVisible());
     QCOMPARE(fileBytes(InDat), recordsBytes({plan()}));
+}
+
+void TestScheduleEdges::pageKeysAndTheWheelLeaveTheEditOfAScheduleThatFits()
+{
+    // Six periods: the table shows them all, without a scroll bar.
+    ScenarioRecord shortPlan = plan();
+    shortPlan.Years = 0.5;
+    ScheduleFixture fixture;
+    QVERIFY(fixture.start({shortPlan}));
+    ScheduleWindow *window = fixture.open(ListKind::Investments, 1);
+    QVERIFY(window);
+    QVERIFY(fixture.scrollBar()->isHidden());
+    HeaderField *payment = fixture.field(QStringLiteral("Payment"));
+    QTest::mouseClick(payment, Qt::LeftButton);
+    QTest::keyClick(payment, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(payment, QStringLiteral("250"));
+
+    // There is nothing to page to: the edit goes on, nothing is saved.
+    for (const Qt::Key key : {Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_End, Qt::Key_Home})
+        QTest::keyClick(payment, key);
+    wheelDownAt(fixture.cell(QStringLiteral("Earnings"), 3), QPointF(2, 2));
+    QCOMPARE(QApplication::focusWidget(), payment);
+    QVERIFY(payment->hasEditLook());
+    QCOMPARE(payment->text(), QStringLiteral("250"));
+    QCOMPARE(fileBytes(InDat), recordsBytes({shortPlan}));
+    QCOMPARE(fixture.text(QStringLiteral("Period"), 0), QStringLiteral("   1"));
+
+    // Leaving the field saves it as ever.
+    QTest::keyClick(payment, Qt::Key_Return);
+    ScenarioRecord expected = shortPlan;
+    expected.Payment = 250;
+    QCOMPARE(fileBytes(InDat), recordsBytes({expected}));
 }
 
 QTEST_MAIN(TestScheduleEdges)
