@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QTest>
+#include <QWheelEvent>
 
 using namespace quillet;
 using namespace quillet::test;
@@ -19,7 +20,8 @@ ScenarioRecord recordOnDisk(int n)
 } // namespace
 
 // Keys that look like the grid's moves but are not: with Shift, Up and Down
-// stay in the cell being edited; without Ctrl, Left and Right move the caret.
+// stay in the cell being edited; without Ctrl, Left and Right move the caret;
+// in a list that fits the grid, the page keys and the wheel turn nothing.
 class TestEditKeys : public QObject
 {
     Q_OBJECT
@@ -29,6 +31,7 @@ private slots:
     void cleanup();
     void shiftedUpAndDownStayInTheCellBeingEdited();
     void plainLeftAndRightMoveTheCaretAndStayInTheCell();
+    void pageKeysAndTheWheelOverAListThatFitsLeaveTheEditAsItIs();
 };
 
 void TestEditKeys::initTestCase()
@@ -87,6 +90,35 @@ void TestEditKeys::plainLeftAndRightMoveTheCaretAndStayInTheCell()
     QTest::keyClick(desc, Qt::Key_Return);
     QCOMPARE(trimmedDesc(recordOnDisk(2)), QStringLiteral("Bo-at"));
     QCOMPARE(trimmedDesc(recordOnDisk(1)), QStringLiteral("Plan 1"));
+}
+
+void TestEditKeys::pageKeysAndTheWheelOverAListThatFitsLeaveTheEditAsItIs()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start(numberedRecords(3)));
+    QVERIFY(fixture.scrollBar()->isHidden());
+    GridCell *payment = fixture.cell(QStringLiteral("Payment"), 2);
+    QTest::mouseClick(payment, Qt::LeftButton);
+    QTest::keyClick(payment, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(payment, QStringLiteral("250"));
+
+    QTest::keyClick(payment, Qt::Key_PageDown);
+    QTest::keyClick(payment, Qt::Key_PageUp);
+    GridCell *below = fixture.cell(QStringLiteral("Desc"), 3);
+    const QPointF centre = QRectF(below->rect()).center();
+    QWheelEvent wheel(centre, below->mapToGlobal(centre), QPoint(), QPoint(0, -120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(below, &wheel);
+
+    QCOMPARE(fixture.session().current().TopRow, qint16(1));
+    QCOMPARE(fixture.sel(1)->text(), QStringLiteral("1"));
+    QCOMPARE(QApplication::focusWidget(), payment);
+    QVERIFY(payment->hasEditLook());
+    QCOMPARE(payment->text(), QStringLiteral("250"));
+    QVERIFY(recordOnDisk(2).Payment == 100.0);
+
+    QTest::keyClick(payment, Qt::Key_Return);
+    QVERIFY(recordOnDisk(2).Payment == 250.0);
 }
 
 QTEST_MAIN(TestEditKeys)
