@@ -90,6 +90,8 @@ void TestReportCommandLine::refusedCommandLineExitsWith2NamingTheProblem_data()
         << words({"chart"}) << "chart: which list, investments or loans?";
     QTest::newRow("chart without a record")
         << words({"chart", "loans"}) << "chart: which record number?";
+    QTest::newRow("format without its value")
+        << words({"list", "loans", "--format"}) << "Missing value after '--format'.";
     QTest::newRow("printout without output, equals sign")
         << words({"list", "loans", "--format=pdf"}) << "--format pdf needs --output FILE";
 }

@@ -190,6 +190,18 @@ void TestReportPaths::optionsBeforeTheCommandStillDrawAChart()
     QFile svg(chart);
     QVERIFY(svg.open(QIODevice::ReadOnly));
     QVERIFY(svg.readAll().contains("Savings"));
+    svg.close();
+    QVERIFY(QFile::remove(chart));
+
+    // The option and its value in one word.
+    const Run joined = runReport({QStringLiteral("--dir=") + path(), QStringLiteral("chart"),
+                                  QStringLiteral("investments"), QStringLiteral("1"),
+                                  QStringLiteral("--output"), chart},
+                                 QDir::rootPath());
+    QCOMPARE(joined.errText(), QString());
+    QCOMPARE(joined.exitCode, 0);
+    QVERIFY(svg.open(QIODevice::ReadOnly));
+    QVERIFY(svg.readAll().contains("Savings"));
 }
 
 void TestReportPaths::chartIsDrawnWithoutAnyDisplay()
