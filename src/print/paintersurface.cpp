@@ -12,6 +12,8 @@
 #include <QPen>
 #include <QPrinter>
 
+#include <algorithm>
+
 namespace quillet {
 
 PainterSurface::PainterSurface() : m_font(QStringLiteral("Arial"))
@@ -56,6 +58,7 @@ void PainterSurface::applyFont()
     m_lineHeight = metrics.height() / m_pixelsPerTwip;
     m_ascent = metrics.ascent();
     m_rawFont = QRawFont::fromFont(QFont(m_painter.font(), m_device));
+    m_metrics = &m_latin1[{m_font.pointSizeF(), m_font.bold()}];
 }
 
 void PainterSurface::findPaperEdges(QPagedPaintDevice &device)
@@ -89,13 +92,12 @@ void PainterSurface::drawText(double x, double y, const QString &text)
     // glyphs for their characters, side by side, kerned. That halves the
     // cost of a printed line. A character the font lacks takes the full way,
     // which finds it in another font.
-    const QList<quint32> glyphs = m_rawFont.glyphIndexesForString(text);
-    if (glyphs.size() != text.size() || glyphs.contains(0u)) {
+    QList<quint32> glyphs;
+    QList<QPointF> advances;
+    if (!plainGlyphs(text, glyphs, advances)) {
         m_painter.drawText(baseline, text);
         return;
     }
-    const QList<QPointF> advances = m_rawFont.advancesForGlyphIndexes(
-        glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
     // A 300-digit figure set flush right in its column runs far off the
     // paper's left edge. Only the glyphs that reach onto the paper are
     // drawn; each keeps the position it has in the whole text, the pen
@@ -122,6 +124,71 @@ void PainterSurface::drawText(double x, double y, const QString &text)
     run.setGlyphIndexes(shown);
     run.setPositions(positions);
     m_painter.drawGlyphRun(baseline, run);
+}
+
+bool PainterSurface::plainGlyphs(const QString &text, QList<quint32> &glyphs,
+                                 QList<QPointF> &advances)
+{
+    if (m_metrics && std::all_of(text.cbegin(), text.cend(),
+                                 [](QChar c) { return c.unicode() < Latin1Metrics::Characters; }))
+        return latin1Glyphs(text, glyphs, advances);
+    glyphs = m_rawFont.glyphIndexesForString(text);
+    if (glyphs.size() != text.size() || glyphs.contains(0u))
+        return false;
+    advances = m_rawFont.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances |
+                                                             QRawFont::UseDesignMetrics);
+    return true;
+}
+
+bool PainterSurface::latin1Glyphs(const QString &text, QList<quint32> &glyphs,
+                                  QList<QPointF> &advances)
+{
+    const qsizetype count = text.size();
+    glyphs.resize(count);
+    advances.resize(count);
+    const QChar *characters = text.constData();
+    quint32 *glyph = glyphs.data();
+    QPointF *advance = advances.data();
+    for (qsizetype n = 0; n < count; ++n) {
+        const char16_t c = characters[n].unicode();
+        glyph[n] = latin1Glyph(c);
+        if (glyph[n] == 0)
+            return false;
+        // The font kerns a glyph against the next one only: the advance of
+        // a pair is the advance it has in any text.
+        const int next = n + 1 < count ? characters[n + 1].unicode() : Latin1Metrics::Last;
+        advance[n] = latin1Advance(c, next);
+    }
+    return true;
+}
+
+quint32 PainterSurface::latin1Glyph(char16_t c)
+{
+    if (!m_metrics->glyphKnown[c]) {
+        const QList<quint32> glyph = m_rawFont.glyphIndexesForString(QString(QChar(c)));
+        m_metrics->glyphs[c] = glyph.size() == 1 ? glyph[0] : 0;
+        m_metrics->glyphKnown[c] = true;
+    }
+    return m_metrics->glyphs[c];
+}
+
+QPointF PainterSurface::latin1Advance(char16_t c, int next)
+{
+    constexpr std::size_t Columns = Latin1Metrics::Characters + 1;
+    if (m_metrics->advances.empty()) {
+        m_metrics->advances.resize(Latin1Metrics::Characters * Columns);
+        m_metrics->advanceKnown.resize(Latin1Metrics::Characters * Columns);
+    }
+    const std::size_t at = c * Columns + static_cast<std::size_t>(next);
+    if (!m_metrics->advanceKnown[at]) {
+        QList<quint32> pair{latin1Glyph(c)};
+        if (next != Latin1Metrics::Last)
+            pair.append(latin1Glyph(static_cast<char16_t>(next)));
+        m_metrics->advances[at] = m_rawFont.advancesForGlyphIndexes(
+            pair, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics)[0];
+        m_metrics->advanceKnown[at] = true;
+    }
+    return m_metrics->advances[at];
 }
 
 void PainterSurface::drawBox(double x1, double y1, double x2, double y2)

@@ -8,7 +8,11 @@
 #include <QSaveFile>
 #include <QString>
 
+#include <array>
+#include <map>
 #include <memory>
+#include <utility>
+#include <vector>
 
 class QPagedPaintDevice;
 class QPdfWriter;
@@ -44,6 +48,26 @@ private:
     // The paper's left and right edges in device pixels, from the printable
     // area's left edge.
     void findPaperEdges(QPagedPaintDevice &device);
+    // The glyphs of a text and their kerned advances, without shaping; false
+    // when the font lacks one of its characters.
+    bool plainGlyphs(const QString &text, QList<quint32> &glyphs, QList<QPointF> &advances);
+    bool latin1Glyphs(const QString &text, QList<quint32> &glyphs, QList<QPointF> &advances);
+
+    // The glyph of each character U+0000 to U+00FF in one font, and its
+    // advance kerned against the character after it (or none, the last
+    // column), learnt as they are first met: a long figure then costs a
+    // look-up a character instead of a trip through the font engine.
+    struct Latin1Metrics
+    {
+        static constexpr int Characters = 256;
+        static constexpr int Last = Characters;
+        std::array<quint32, Characters> glyphs{};
+        std::array<bool, Characters> glyphKnown{};
+        std::vector<QPointF> advances;
+        std::vector<bool> advanceKnown;
+    };
+    quint32 latin1Glyph(char16_t c);
+    QPointF latin1Advance(char16_t c, int next);
 
     QPainter m_painter;
     QPagedPaintDevice *m_device = nullptr;
@@ -55,6 +79,8 @@ private:
     double m_ascent = 0;
     double m_paperLeft = 0;
     double m_paperRight = 0;
+    std::map<std::pair<double, bool>, Latin1Metrics> m_latin1;
+    Latin1Metrics *m_metrics = nullptr;
 };
 
 // A printout written to a PDF file on US Letter paper, all or nothing: the
