@@ -2,6 +2,8 @@
 // records and the schedule of 4,096 to 32,767 periods, with the pages each
 // makes and the lines printed a second. Also the same printouts laid out on
 // the recording surface, which prints nothing: the cost of the layout alone.
+// The schedule of a loan of 1e303 is there too: every figure of it is a
+// currency text of some 300 digits, most of it beyond the page's left edge.
 
 #include "fonts.h"
 #include "listprintout.h"
@@ -16,6 +18,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <bit>
 #include <vector>
 
 namespace {
@@ -67,6 +70,21 @@ SchedulePrintJob loanSchedule(int periods)
     record.Years = periods / 12.0;
     record.Payment = 1250;
     record.PerYear = 12;
+    return schedulePrintJob(record, false, periods);
+}
+
+// 1e303 borrowed at 10 % for a year, -4e303 paid 32,767 times, the total
+// interest solved: the figures run to some 300 digits.
+SchedulePrintJob hugeLoanSchedule(int periods)
+{
+    ScenarioRecord record;
+    record.makeBlank();
+    setDescText(record, QStringLiteral("Huge"));
+    record.InitialAmount = std::bit_cast<double>(quint64{0x7ed754e31cd072da});
+    record.IRate = std::bit_cast<double>(quint64{0x3fb999999999999a});
+    record.Years = 1;
+    record.Payment = std::bit_cast<double>(quint64{0xfef754e31cd072da});
+    record.PerYear = 32767;
     return schedulePrintJob(record, false, periods);
 }
 
@@ -122,6 +140,35 @@ void scheduleToPdf(benchmark::State &state)
     report(state, job.periodCount, pages);
 }
 
+void hugeScheduleToPdf(benchmark::State &state)
+{
+    const SchedulePrintJob job = hugeLoanSchedule(static_cast<int>(state.range(0)));
+    const TextMeasure measure = scheduleWindowMeasure(96);
+    QTemporaryDir dir;
+    int pages = 0;
+    for (auto _ : state) {
+        PdfFileSurface pdf(dir.filePath(QStringLiteral("huge.pdf")),
+                           QStringLiteral("Loan Amortization"));
+        if (!PrintAmort(pdf, measure, job).printed())
+            state.SkipWithError("the PDF was not written");
+        pages = pdf.pageCount();
+    }
+    report(state, job.periodCount, pages);
+}
+
+void hugeScheduleLayout(benchmark::State &state)
+{
+    const SchedulePrintJob job = hugeLoanSchedule(static_cast<int>(state.range(0)));
+    const TextMeasure measure = scheduleWindowMeasure(96);
+    int pages = 0;
+    for (auto _ : state) {
+        RecordingSurface surface;
+        PrintAmort(surface, measure, job);
+        pages = surface.pageCount();
+    }
+    report(state, job.periodCount, pages);
+}
+
 void listLayout(benchmark::State &state)
 {
     const auto records = investments(static_cast<int>(state.range(0)));
@@ -160,6 +207,8 @@ BENCHMARK(listToPdf)->Apply(sizes)->Iterations(2);
 BENCHMARK(scheduleToPdf)->Apply(sizes)->Iterations(2);
 BENCHMARK(listLayout)->Apply(sizes);
 BENCHMARK(scheduleLayout)->Apply(sizes);
+BENCHMARK(hugeScheduleToPdf)->Apply(sizes)->Iterations(1);
+BENCHMARK(hugeScheduleLayout)->Apply(sizes)->Iterations(1);
 
 } // namespace
 
