@@ -7,28 +7,6 @@ namespace quillet {
 
 namespace {
 
-// The double field a column edits, or null; const with a const record.
-template <typename Record>
-auto numericField(GridColumn column, Record &record) -> decltype(&record.InitialAmount)
-{
-    switch (column) {
-    case GridColumn::InitialAmount:
-        return &record.InitialAmount;
-    case GridColumn::Yield:
-        return &record.IRate;
-    case GridColumn::Years:
-        return &record.Years;
-    case GridColumn::Payment:
-        return &record.Payment;
-    case GridColumn::FutureValue:
-        return &record.FutureValue;
-    case GridColumn::Desc:
-    case GridColumn::PerYear:
-        break;
-    }
-    return nullptr;
-}
-
 // Plain editable text of a shown amount; the stored value if the shown text
 // cannot be read back.
 QString amountForEditing(const QString &shownText, double stored)

@@ -7,6 +7,29 @@
 
 namespace quillet {
 
+// The double field a column edits, or null; const with a const record. The
+// schedule windows' header fields edit the same fields.
+template <typename Record>
+auto numericField(GridColumn column, Record &record) -> decltype(&record.InitialAmount)
+{
+    switch (column) {
+    case GridColumn::InitialAmount:
+        return &record.InitialAmount;
+    case GridColumn::Yield:
+        return &record.IRate;
+    case GridColumn::Years:
+        return &record.Years;
+    case GridColumn::Payment:
+        return &record.Payment;
+    case GridColumn::FutureValue:
+        return &record.FutureValue;
+    case GridColumn::Desc:
+    case GridColumn::PerYear:
+        break;
+    }
+    return nullptr;
+}
+
 // The text a cell is given for editing when it is clicked, and whether its
 // changed flag is lowered afterwards. A blank field leaves the flag as it
 // was, so a blank that is left alone is stored as a blank again.

@@ -1,5 +1,6 @@
 #include "headeredit.h"
 
+#include "celledit.h"
 #include "displaytext.h"
 #include "rates.h"
 
@@ -10,26 +11,6 @@
 namespace quillet {
 
 namespace {
-
-double *numericField(GridColumn field, ScenarioRecord &record)
-{
-    switch (field) {
-    case GridColumn::InitialAmount:
-        return &record.InitialAmount;
-    case GridColumn::Yield:
-        return &record.IRate;
-    case GridColumn::Years:
-        return &record.Years;
-    case GridColumn::Payment:
-        return &record.Payment;
-    case GridColumn::FutureValue:
-        return &record.FutureValue;
-    case GridColumn::Desc:
-    case GridColumn::PerYear:
-        break;
-    }
-    return nullptr;
-}
 
 QString largestCount()
 {
