@@ -46,27 +46,6 @@ double storedValue(GridColumn column, const ScenarioRecord &record)
     return 0;
 }
 
-Field fieldOf(GridColumn column)
-{
-    switch (column) {
-    case GridColumn::InitialAmount:
-        return Field::InitialAmount;
-    case GridColumn::Yield:
-        return Field::IRate;
-    case GridColumn::Years:
-        return Field::Years;
-    case GridColumn::Payment:
-        return Field::Payment;
-    case GridColumn::FutureValue:
-        return Field::FutureValue;
-    case GridColumn::Desc:
-        return Field::Desc;
-    case GridColumn::PerYear:
-        return Field::PerYear;
-    }
-    return Field::Desc;
-}
-
 void typeInto(GridColumn column, const QString &text)
 {
     ScenarioRecord record;

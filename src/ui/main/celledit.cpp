@@ -22,6 +22,27 @@ bool isEmptyText(const QString &text)
 
 } // namespace
 
+Field fieldOf(GridColumn column)
+{
+    switch (column) {
+    case GridColumn::InitialAmount:
+        return Field::InitialAmount;
+    case GridColumn::Yield:
+        return Field::IRate;
+    case GridColumn::Years:
+        return Field::Years;
+    case GridColumn::Payment:
+        return Field::Payment;
+    case GridColumn::FutureValue:
+        return Field::FutureValue;
+    case GridColumn::Desc:
+        return Field::Desc;
+    case GridColumn::PerYear:
+        return Field::PerYear;
+    }
+    return Field::Desc;
+}
+
 EditingText editingText(GridColumn column, const ScenarioRecord &record, const QString &shownText)
 {
     switch (column) {

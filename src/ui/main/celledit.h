@@ -2,10 +2,14 @@
 
 #include "helptexts.h"
 #include "scenariorecord.h"
+#include "solver.h"
 
 #include <QString>
 
 namespace quillet {
+
+// The engine's name for the field a column shows.
+Field fieldOf(GridColumn column);
 
 // The double field a column edits, or null; const with a const record. The
 // schedule windows' header fields edit the same fields.

@@ -58,27 +58,6 @@ QString arrayName(QStringView name, int index)
     return QStringLiteral("%1(%2)").arg(name).arg(index);
 }
 
-Field fieldOf(GridColumn column)
-{
-    switch (column) {
-    case GridColumn::InitialAmount:
-        return Field::InitialAmount;
-    case GridColumn::Yield:
-        return Field::IRate;
-    case GridColumn::Years:
-        return Field::Years;
-    case GridColumn::Payment:
-        return Field::Payment;
-    case GridColumn::FutureValue:
-        return Field::FutureValue;
-    case GridColumn::Desc:
-        return Field::Desc;
-    case GridColumn::PerYear:
-        return Field::PerYear;
-    }
-    return Field::Desc;
-}
-
 constexpr std::array<GridColumn, 5> ValueColumns = {GridColumn::InitialAmount, GridColumn::Yield,
                                                     GridColumn::Years, GridColumn::Payment,
                                                     GridColumn::FutureValue};
