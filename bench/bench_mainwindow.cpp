@@ -73,7 +73,7 @@ struct Bench
         QDir::setCurrent(dir.path());
         writeList(QStringLiteral("In.dat"), investments, everydayRecord);
         window = std::make_unique<MainWindow>(session);
-        (void)window->Form_Load();
+        window->Form_Load();
         window->show();
     }
     ~Bench() { QDir::setCurrent(previous); }

@@ -53,10 +53,7 @@ int main(int argc, char **argv)
         window = bareWindow();
     } else {
         auto main = std::make_unique<quillet::MainWindow>(session);
-        if (!main->Form_Load().ok()) {
-            std::fputs("could not open the lists\n", stderr);
-            return 1;
-        }
+        main->Form_Load();
         window = std::move(main);
     }
     window->show();

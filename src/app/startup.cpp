@@ -54,10 +54,7 @@ int runQuillet()
     ScheduleWindows schedules(session, &window);
     window.setScheduleOpener(
         [&schedules](ListKind list, int record) { schedules.open(list, record); });
-    if (const Status status = window.Form_Load(); !status.ok()) {
-        showStartupProblem(status.message());
-        return 1;
-    }
+    window.Form_Load();
     window.show();
     // A logout or shutdown closes the window as the user would.
     SignalCloser closer;

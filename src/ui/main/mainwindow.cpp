@@ -359,7 +359,7 @@ void MainWindow::setTabOrder()
     }
 }
 
-Status MainWindow::Form_Load()
+void MainWindow::Form_Load()
 {
     // A list that cannot be written, or read, is explained once; the window
     // opens all the same, with the other list working as usual.
@@ -381,7 +381,6 @@ Status MainWindow::Form_Load()
     showHelp(GeneralHelp());
     if (!opened.ok())
         reportProblem(opened.message());
-    return {};
 }
 
 void MainWindow::Form_Activate()

@@ -44,8 +44,10 @@ public:
     ~MainWindow() override;
     Q_DISABLE_COPY_MOVE(MainWindow)
 
-    // Opens the list files of the current directory and shows a list.
-    Status Form_Load();
+    // Opens the list files of the current directory and shows a list. A list
+    // that cannot be written or read is explained in a message; the window
+    // opens all the same.
+    void Form_Load();
     void Form_Activate();
 
     void SwitchTo(const QString &name);

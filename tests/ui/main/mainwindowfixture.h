@@ -80,8 +80,7 @@ public:
     bool startWithFiles()
     {
         m_window = std::make_unique<MainWindow>(m_session);
-        if (!m_window->Form_Load().ok())
-            return false;
+        m_window->Form_Load();
         m_window->show();
         m_window->activateWindow();
         return QTest::qWaitForWindowActive(m_window.get());

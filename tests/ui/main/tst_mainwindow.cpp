@@ -296,7 +296,7 @@ void TestMainWindow::startingWithoutFilesCreatesThemAndShowsAnEmptyInvestmentLis
     QVERIFY2(dir.isValid(), "no temporary directory");
     Session session;
     MainWindow window(session);
-    QVERIFY(window.Form_Load().ok());
+    window.Form_Load();
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
 

@@ -74,8 +74,7 @@ public:
     bool startMainWindow()
     {
         m_main = std::make_unique<MainWindow>(m_session);
-        if (!m_main->Form_Load().ok())
-            return false;
+        m_main->Form_Load();
         m_windows = std::make_unique<ScheduleWindows>(m_session, m_main.get());
         m_main->setScheduleOpener(
             [this](ListKind list, int record) { m_windows->open(list, record); });
