@@ -7,7 +7,7 @@
 
 #include "fonts.h"
 #include "listprintout.h"
-#include "paintersurface.h"
+#include "pdfsurface.h"
 #include "recordingsurface.h"
 #include "scenariorecord.h"
 #include "scheduleprintout.h"

@@ -15,6 +15,7 @@ QUILLET_PACKAGES=(
     qt6-charts-dev qt6-svg-dev libqt6opengl6-dev   # quillet-report chart (Charts needs OpenGL's CMake files)
     python3-jsonschema      # the report tests validate every JSON output against its schema
     poppler-utils           # pdftotext and pdfinfo read the printouts back in the tests
+    libcups2-dev            # hands finished printouts to the print system
     cups printer-driver-cups-pdf   # a default printer that prints to PDF, for the printing tests
 )
 

@@ -2,7 +2,7 @@
 
 #include "fonts.h"
 #include "listprintout.h"
-#include "paintersurface.h"
+#include "pdfsurface.h"
 #include "schedule.h"
 #include "scheduleprintout.h"
 

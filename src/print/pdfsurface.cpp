@@ -1,17 +1,15 @@
 #include "pdfsurface.h"
 
+#include "paintedtext.h"
 #include "pdfdocument.h"
 #include "twips.h"
 
 #include <QDir>
 #include <QFontMetricsF>
 #include <QGlyphRun>
-#include <QGuiApplication>
 #include <QMarginsF>
 #include <QPageSize>
-#include <QPaintDevice>
 #include <QPrinter>
-#include <QTextLayout>
 
 #include <cups/cups.h>
 
@@ -20,36 +18,6 @@
 namespace quillet {
 
 namespace {
-
-// Fonts are sized for a device by its resolution alone: this stands for the
-// page when the printout's fonts are chosen.
-class ResolutionDevice final : public QPaintDevice
-{
-public:
-    explicit ResolutionDevice(int dotsPerInch) : m_dotsPerInch(dotsPerInch) {}
-    QPaintEngine *paintEngine() const override { return nullptr; }
-
-protected:
-    int metric(PaintDeviceMetric metric) const override
-    {
-        switch (metric) {
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY:
-            return m_dotsPerInch;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return static_cast<int>(devicePixelRatioFScale());
-        default:
-            return 0;
-        }
-    }
-
-private:
-    int m_dotsPerInch;
-};
 
 double lastAdvance(const QRawFont &font, quint32 glyph)
 {
@@ -111,8 +79,7 @@ void PdfSurface::applyFont()
     m_font.setBold(fontBold());
     if (!m_document)
         return;
-    const ResolutionDevice device(m_resolution);
-    m_deviceFont = QFont(m_font, &device);
+    m_deviceFont = fontAtResolution(m_font, m_resolution);
     const QFontMetricsF metrics(m_deviceFont);
     m_lineHeight = metrics.height() / m_dotsPerTwip;
     m_ascent = metrics.ascent();
@@ -148,12 +115,20 @@ void PdfSurface::drawText(double x, double y, const QString &text)
     // Figures and plain words need no shaping: their glyphs are the font's
     // glyphs for their characters, side by side, kerned. A character the
     // font lacks takes the full way, which finds it in another font.
-    QList<quint32> glyphs;
-    QList<QPointF> advances;
-    if (!plainGlyphs(text, glyphs, advances)) {
+    if (!drawPlainText(baseline, text))
         drawShapedText(baseline, text);
-        return;
-    }
+}
+
+bool PdfSurface::drawPlainText(const QPointF &baseline, const QString &text)
+{
+    if (m_metrics && std::all_of(text.cbegin(), text.cend(),
+                                 [](QChar c) { return c.unicode() < Latin1Metrics::Characters; }))
+        return drawLatin1Text(baseline, text);
+    const QList<quint32> glyphs = m_rawFont.glyphIndexesForString(text);
+    if (glyphs.size() != text.size() || glyphs.contains(0u))
+        return false;
+    const QList<QPointF> advances = m_rawFont.advancesForGlyphIndexes(
+        glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
     QList<QPointF> positions(advances.size());
     QPointF pen;
     for (qsizetype n = 0; n < advances.size(); ++n) {
@@ -161,72 +136,75 @@ void PdfSurface::drawText(double x, double y, const QString &text)
         pen += advances[n];
     }
     drawOnPaper(m_rawFont, baseline, glyphs, positions, text);
+    return true;
+}
+
+bool PdfSurface::drawLatin1Text(const QPointF &baseline, const QString &text)
+{
+    const qsizetype count = text.size();
+    const QChar *characters = text.constData();
+    // Only the glyphs on the paper are gathered, but each is placed by the
+    // pen summed over every advance before it. Nothing is drawn before all
+    // characters are known to have a glyph.
+    const PaperSpan paper = paperSpan(m_rawFont, baseline);
+    QList<quint32> shown;
+    QList<QPointF> shownAt;
+    QString shownText;
+    QPointF pen;
+    for (qsizetype n = 0; n < count; ++n) {
+        const char16_t c = characters[n].unicode();
+        const quint32 glyph = latin1Glyph(c);
+        if (glyph == 0)
+            return false;
+        // The font kerns a glyph against the next one only: the advance of
+        // a pair is the advance it has in any text.
+        const int next = n + 1 < count ? characters[n + 1].unicode() : Latin1Metrics::Last;
+        const QPointF at = pen;
+        pen += latin1Advance(c, next);
+        if (paper.reaches(at.x(), pen.x())) {
+            shown.append(glyph);
+            shownAt.append(at);
+            shownText.append(characters[n]);
+        }
+    }
+    if (!shown.isEmpty())
+        m_document->drawGlyphs(m_rawFont, baseline, shown.constData(), shownAt.constData(),
+                               shown.size(), shownText);
+    return true;
+}
+
+PdfSurface::PaperSpan PdfSurface::paperSpan(const QRawFont &font, const QPointF &baseline) const
+{
+    // A 300-digit figure set flush right in its column runs far off the
+    // paper's left edge: only the glyphs that reach onto the paper are
+    // drawn. The paper's edges are widened by an em so that no glyph's ink
+    // reaching past its advance is lost.
+    const double slack = font.pixelSize();
+    return {m_paperLeft - slack - baseline.x(), m_paperRight + slack - baseline.x()};
 }
 
 void PdfSurface::drawShapedText(const QPointF &baseline, const QString &text)
 {
-    QTextLayout layout(text, m_deviceFont);
-    QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
-    option.setWrapMode(QTextOption::NoWrap);
-    option.setTextDirection(QGuiApplication::layoutDirection());
-    layout.setTextOption(option);
-    layout.beginLayout();
-    QTextLine line = layout.createLine();
-    if (line.isValid())
-        line.setNumColumns(static_cast<int>(text.size()));
-    layout.endLayout();
-    if (!line.isValid())
-        return;
-    const QPointF lineBaseline(line.x(), line.y() + line.ascent());
-    QList<QGlyphRun> runs = layout.glyphRuns();
-    // Which glyph stands for which character is known when there is one
-    // glyph a character, left to right: then the runs read in order of
-    // their places give the text.
-    std::sort(runs.begin(), runs.end(), [](const QGlyphRun &a, const QGlyphRun &b) {
-        return a.boundingRect().left() < b.boundingRect().left();
-    });
-    qsizetype glyphCount = 0;
-    bool leftToRight = true;
-    for (const QGlyphRun &run : runs) {
-        glyphCount += run.glyphIndexes().size();
-        leftToRight = leftToRight && !run.isRightToLeft();
-    }
-    const bool mapped = leftToRight && glyphCount == text.size();
-    qsizetype at = 0;
-    for (const QGlyphRun &run : runs) {
-        QList<QPointF> positions = run.positions();
-        for (QPointF &position : positions)
-            position -= lineBaseline;
-        const qsizetype count = run.glyphIndexes().size();
-        drawOnPaper(run.rawFont(), baseline, run.glyphIndexes(), positions,
-                    mapped ? QStringView(text).sliced(at, count) : QStringView());
-        at += count;
-    }
+    for (const PaintedRun &run : paintedGlyphRuns(text, m_font, m_resolution))
+        drawOnPaper(run.glyphs.rawFont(), baseline, run.glyphs.glyphIndexes(),
+                    run.glyphs.positions(), run.characters);
 }
 
 void PdfSurface::drawOnPaper(const QRawFont &font, const QPointF &baseline,
                              const QList<quint32> &glyphs, const QList<QPointF> &positions,
                              QStringView text)
 {
-    // A 300-digit figure set flush right in its column runs far off the
-    // paper's left edge. Only the glyphs that reach onto the paper are
-    // drawn; each keeps the position it has in the whole text. The paper's
-    // edges are widened by an em so that no glyph's ink reaching past its
-    // advance is lost.
-    const double slack = font.pixelSize();
-    const double left = m_paperLeft - slack - baseline.x();
-    const double right = m_paperRight + slack - baseline.x();
+    const PaperSpan paper = paperSpan(font, baseline);
     QList<quint32> shown;
     QList<QPointF> shownAt;
     QString shownText;
-    shown.reserve(glyphs.size());
-    shownAt.reserve(glyphs.size());
     for (qsizetype n = 0; n < glyphs.size(); ++n) {
         // A glyph spans from its place to the next one's, the last one its
         // own advance.
         const double x = positions[n].x();
-        const double end = n + 1 < positions.size() ? positions[n + 1].x() : x + lastAdvance(font, glyphs[n]);
-        if (std::max(x, end) > left && std::min(x, end) < right) {
+        const double end =
+            n + 1 < positions.size() ? positions[n + 1].x() : x + lastAdvance(font, glyphs[n]);
+        if (paper.reaches(x, end)) {
             shown.append(glyphs[n]);
             shownAt.append(positions[n]);
             if (!text.isEmpty())
@@ -234,44 +212,8 @@ void PdfSurface::drawOnPaper(const QRawFont &font, const QPointF &baseline,
         }
     }
     if (!shown.isEmpty())
-        m_document->drawGlyphs(font, baseline, shown.constData(), shownAt.constData(),
-                               shown.size(), shownText);
-}
-
-bool PdfSurface::plainGlyphs(const QString &text, QList<quint32> &glyphs,
-                                 QList<QPointF> &advances)
-{
-    if (m_metrics && std::all_of(text.cbegin(), text.cend(),
-                                 [](QChar c) { return c.unicode() < Latin1Metrics::Characters; }))
-        return latin1Glyphs(text, glyphs, advances);
-    glyphs = m_rawFont.glyphIndexesForString(text);
-    if (glyphs.size() != text.size() || glyphs.contains(0u))
-        return false;
-    advances = m_rawFont.advancesForGlyphIndexes(glyphs, QRawFont::KernedAdvances |
-                                                             QRawFont::UseDesignMetrics);
-    return true;
-}
-
-bool PdfSurface::latin1Glyphs(const QString &text, QList<quint32> &glyphs,
-                                  QList<QPointF> &advances)
-{
-    const qsizetype count = text.size();
-    glyphs.resize(count);
-    advances.resize(count);
-    const QChar *characters = text.constData();
-    quint32 *glyph = glyphs.data();
-    QPointF *advance = advances.data();
-    for (qsizetype n = 0; n < count; ++n) {
-        const char16_t c = characters[n].unicode();
-        glyph[n] = latin1Glyph(c);
-        if (glyph[n] == 0)
-            return false;
-        // The font kerns a glyph against the next one only: the advance of
-        // a pair is the advance it has in any text.
-        const int next = n + 1 < count ? characters[n + 1].unicode() : Latin1Metrics::Last;
-        advance[n] = latin1Advance(c, next);
-    }
-    return true;
+        m_document->drawGlyphs(font, baseline, shown.constData(), shownAt.constData(), shown.size(),
+                               shownText);
 }
 
 quint32 PdfSurface::latin1Glyph(char16_t c)
@@ -306,13 +248,15 @@ QPointF PdfSurface::latin1Advance(char16_t c, int next)
 void PdfSurface::drawBox(double x1, double y1, double x2, double y2)
 {
     if (m_document)
-        m_document->fillRect(QRectF(QPointF(dots(x1), dots(y1)), QPointF(dots(x2), dots(y2))).normalized());
+        m_document->fillRect(
+            QRectF(QPointF(dots(x1), dots(y1)), QPointF(dots(x2), dots(y2))).normalized());
 }
 
 void PdfSurface::drawSegment(double x1, double y1, double x2, double y2, double thickness)
 {
     if (m_document)
-        m_document->strokeLine(QPointF(dots(x1), dots(y1)), QPointF(dots(x2), dots(y2)), dots(thickness));
+        m_document->strokeLine(QPointF(dots(x1), dots(y1)), QPointF(dots(x2), dots(y2)),
+                               dots(thickness));
 }
 
 namespace {
@@ -389,9 +333,8 @@ PrinterSurface::PrinterSurface(QPrinter &printer, const QString &title)
 
 QString PrinterSurface::namedPrinter() const
 {
-    const QString name = m_printer.outputFormat() == QPrinter::PdfFormat
-                             ? QString()
-                             : m_printer.printerName();
+    const QString name =
+        m_printer.outputFormat() == QPrinter::PdfFormat ? QString() : m_printer.printerName();
     return name.isEmpty() ? QString() : name + u' ';
 }
 
@@ -420,8 +363,7 @@ bool PrinterSurface::submitToPrinter()
     const QByteArray printer = m_printer.printerName().toLocal8Bit();
     const QByteArray file = QFile::encodeName(m_spool.fileName());
     const QByteArray title = m_title.toUtf8();
-    return cupsPrintFile(printer.constData(), file.constData(), title.constData(), 0, nullptr) >
-           0;
+    return cupsPrintFile(printer.constData(), file.constData(), title.constData(), 0, nullptr) > 0;
 }
 
 void PrinterSurface::abortDoc()

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <memory>
@@ -35,8 +36,7 @@ public:
 protected:
     PdfSurface();
     // Starts the document on a device, pages laid out as given.
-    void begin(QIODevice &device, const QPageLayout &layout, int resolution,
-               const QString &title);
+    void begin(QIODevice &device, const QPageLayout &layout, int resolution, const QString &title);
     // Writes the rest of the document; false when the device refused.
     bool finishDocument();
     // Drops the document unwritten.
@@ -55,16 +55,26 @@ private:
     // The paper's left and right edges in dots, from the printable area's
     // left edge.
     void findPaperEdges(const QPageLayout &layout, int resolution);
-    // The glyphs of a text and their kerned advances, without shaping; false
-    // when the font lacks one of its characters.
-    bool plainGlyphs(const QString &text, QList<quint32> &glyphs, QList<QPointF> &advances);
-    bool latin1Glyphs(const QString &text, QList<quint32> &glyphs, QList<QPointF> &advances);
+    // Draws a text whose glyphs are the font's glyphs for its characters,
+    // side by side, kerned; false when the font lacks one of them.
+    bool drawPlainText(const QPointF &baseline, const QString &text);
+    bool drawLatin1Text(const QPointF &baseline, const QString &text);
     // A text that needs shaping or other fonts, laid out as a whole.
     void drawShapedText(const QPointF &baseline, const QString &text);
+    // Where glyphs reach onto the paper, from a text's start on its baseline.
+    struct PaperSpan
+    {
+        double left;
+        double right;
+        bool reaches(double from, double to) const
+        {
+            return std::max(from, to) > left && std::min(from, to) < right;
+        }
+    };
+    PaperSpan paperSpan(const QRawFont &font, const QPointF &baseline) const;
     // Draws the glyphs that reach onto the paper.
-    void drawOnPaper(const QRawFont &font, const QPointF &baseline,
-                     const QList<quint32> &glyphs, const QList<QPointF> &positions,
-                     QStringView text);
+    void drawOnPaper(const QRawFont &font, const QPointF &baseline, const QList<quint32> &glyphs,
+                     const QList<QPointF> &positions, QStringView text);
 
     // The glyph of each character U+0000 to U+00FF in one font, and its
     // advance kerned against the character after it (or none, the last
@@ -141,8 +151,8 @@ private:
 
     QPrinter &m_printer;
     QString m_title;
-    QSaveFile m_file;          // a printer printing to a file
-    QTemporaryFile m_spool;    // a printer of the print system
+    QSaveFile m_file;       // a printer printing to a file
+    QTemporaryFile m_spool; // a printer of the print system
     QString m_error;
 };
 

@@ -1,5 +1,5 @@
 #include "fonts.h"
-#include "paintersurface.h"
+#include "pdfsurface.h"
 #include "pdftext.h"
 #include "recordingsurface.h"
 #include "testfiles.h"

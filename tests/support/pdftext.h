@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QByteArray>
+#include <QFile>
+#include <QList>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QString>
@@ -17,6 +20,31 @@ inline QString pdfText(const QString &path, const QStringList &options = {})
         process.exitCode() != 0)
         return {};
     return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+// The compressed streams of a PDF file, uncompressed, in file order: page
+// contents, fonts and the like.
+inline QList<QByteArray> compressedStreams(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = file.readAll();
+    QList<QByteArray> contents;
+    const QByteArray start("stream\n");
+    const QByteArray stop("endstream");
+    for (qsizetype at = bytes.indexOf(start); at >= 0; at = bytes.indexOf(start, at)) {
+        at += start.size();
+        const qsizetype end = bytes.indexOf(stop, at);
+        if (end < 0)
+            break;
+        // qUncompress wants the size first and grows its buffer as needed.
+        const QByteArray stream = bytes.mid(at, end - at);
+        if (stream.startsWith('\x78'))
+            contents.append(qUncompress(QByteArray::fromHex("00010000") + stream));
+        at = end + stop.size();
+    }
+    return contents;
 }
 
 // The number of pages of a PDF file by pdfinfo; 0 when it cannot be read.

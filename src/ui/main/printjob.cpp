@@ -1,7 +1,7 @@
 #include "printjob.h"
 
 #include "messages.h"
-#include "paintersurface.h"
+#include "pdfsurface.h"
 
 #include <QAbstractButton>
 #include <QDir>

@@ -1,0 +1,140 @@
+#include "paintedtext.h"
+
+#include <QPaintDevice>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <climits>
+
+namespace quillet {
+
+namespace {
+
+// A piece of text as the painter hands it to a paint engine: one font, one
+// direction, already placed.
+struct TextPiece
+{
+    QPointF origin;
+    QString text;
+    QFont font;
+    bool rightToLeft = false;
+};
+
+// A paint engine that keeps the pieces of text it is asked to draw and
+// draws nothing.
+class TextPieceEngine final : public QPaintEngine
+{
+public:
+    bool begin(QPaintDevice *) override { return true; }
+    bool end() override { return true; }
+    void updateState(const QPaintEngineState &) override {}
+    void drawPixmap(const QRectF &, const QPixmap &, const QRectF &) override {}
+    Type type() const override { return User; }
+    void drawTextItem(const QPointF &origin, const QTextItem &item) override
+    {
+        m_pieces.append({origin, item.text(), item.font(),
+                         item.renderFlags().testFlag(QTextItem::RightToLeft)});
+    }
+
+    const QList<TextPiece> &pieces() const { return m_pieces; }
+
+private:
+    QList<TextPiece> m_pieces;
+};
+
+// A device of a resolution and no size, which paints into the engine above.
+class TextPieceDevice final : public QPaintDevice
+{
+public:
+    explicit TextPieceDevice(int dotsPerInch) : m_dotsPerInch(dotsPerInch) {}
+    QPaintEngine *paintEngine() const override { return &m_engine; }
+    const QList<TextPiece> &pieces() const { return m_engine.pieces(); }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmDpiX:
+        case PdmDpiY:
+        case PdmPhysicalDpiX:
+        case PdmPhysicalDpiY:
+            return m_dotsPerInch;
+        case PdmWidth:
+        case PdmHeight:
+            return INT_MAX / 2;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(devicePixelRatioFScale());
+        case PdmDepth:
+            return 32;
+        case PdmNumColors:
+            return INT_MAX;
+        default:
+            return 0;
+        }
+    }
+
+private:
+    int m_dotsPerInch;
+    mutable TextPieceEngine m_engine;
+};
+
+// Lays one piece out alone: it has one direction and one font, so it is
+// shaped as it was when the painter set it.
+QList<PaintedRun> runsOfPiece(const TextPiece &piece)
+{
+    QTextLayout layout(piece.text, piece.font);
+    QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
+    option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(piece.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid())
+        line.setNumColumns(static_cast<int>(piece.text.size()));
+    layout.endLayout();
+    if (!line.isValid())
+        return {};
+    const QPointF shift = piece.origin - QPointF(line.x(), line.y() + line.ascent());
+    const QList<QGlyphRun> glyphRuns = layout.glyphRuns();
+    QList<PaintedRun> runs;
+    for (QGlyphRun glyphs : glyphRuns) {
+        QList<QPointF> positions = glyphs.positions();
+        for (QPointF &position : positions)
+            position += shift;
+        glyphs.setPositions(positions);
+        // One glyph a character in a piece of one run: the glyphs are its
+        // characters in order, whatever the direction they are read in.
+        const bool oneForOne =
+            glyphRuns.size() == 1 && glyphs.glyphIndexes().size() == piece.text.size();
+        runs.append({glyphs, oneForOne ? piece.text : QString()});
+    }
+    return runs;
+}
+
+} // namespace
+
+QFont fontAtResolution(const QFont &font, int dotsPerInch)
+{
+    const TextPieceDevice device(dotsPerInch);
+    return QFont(font, &device);
+}
+
+QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch)
+{
+    TextPieceDevice device(dotsPerInch);
+    {
+        QPainter painter(&device);
+        painter.setFont(font);
+        painter.drawText(QPointF(0, 0), text);
+    }
+    QList<PaintedRun> runs;
+    for (const TextPiece &piece : device.pieces())
+        runs.append(runsOfPiece(piece));
+    return runs;
+}
+
+} // namespace quillet
