@@ -4,9 +4,12 @@
 #include <QFileInfo>
 #include <QPrinterInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QTest>
+
+#include <algorithm>
 
 #include <unistd.h>
 
@@ -98,6 +101,25 @@ inline bool noJobsWaiting()
     return runCommand(QStringLiteral("lpstat"), {QStringLiteral("-o"), PrinterName})
         .out.trimmed()
         .isEmpty();
+}
+
+// The number of the last job the printer was given, finished or not; 0 when
+// it was given none, -1 when that cannot be told. Jobs are numbered in the
+// order they come, so a job given later has a higher number.
+inline int lastJobId()
+{
+    const Command jobs =
+        runCommand(QStringLiteral("lpstat"), {QStringLiteral("-W"), QStringLiteral("all"),
+                                              QStringLiteral("-o"), PrinterName});
+    if (jobs.exitCode != 0)
+        return -1;
+    int last = 0;
+    static const QRegularExpression job(QStringLiteral("^%1-(\\d+)\\s").arg(PrinterName),
+                                        QRegularExpression::MultilineOption);
+    auto matches = job.globalMatch(jobs.out);
+    while (matches.hasNext())
+        last = std::max(last, matches.next().captured(1).toInt());
+    return last;
 }
 
 // The PDF the printer makes of the next job: a file that was not there

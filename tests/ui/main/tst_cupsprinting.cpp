@@ -2,6 +2,8 @@
 #include "cupsprinter.h"
 #include "fonts.h"
 #include "pdftext.h"
+#include "printjob.h"
+#include "progresscanceller.h"
 
 #include <QDir>
 #include <QTest>
@@ -18,6 +20,7 @@ private slots:
     void cleanup() { QUILLET_VERIFY_NO_UNEXPECTED_MESSAGE_BOX(); }
     void printingTheInvestmentListMatchesTheReportsPdf();
     void printingTheLoanListMatchesTheReportsPdf();
+    void cancelledPrintoutSendsNothingToThePrinter();
 
 private:
     void printListAndCompare(bool investments);
@@ -41,7 +44,11 @@ void TestCupsPrinting::printListAndCompare(bool investments)
         QTest::mouseClick(fixture.find<QPushButton>(QStringLiteral("Loans")), Qt::LeftButton);
 
     const QStringList before = printedFiles();
+    const int lastJob = lastJobId();
+    QVERIFY(lastJob >= 0);
     QTest::mouseClick(fixture.command(QStringLiteral("Print")), Qt::LeftButton);
+    // The printout is one job, handed over when the click is done.
+    QCOMPARE(lastJobId(), lastJob + 1);
     const QString printed = waitForPrintedFile(before);
     QVERIFY2(!printed.isEmpty(), "the printer made no PDF");
 
@@ -64,6 +71,22 @@ void TestCupsPrinting::printingTheInvestmentListMatchesTheReportsPdf()
 void TestCupsPrinting::printingTheLoanListMatchesTheReportsPdf()
 {
     printListAndCompare(false);
+}
+
+void TestCupsPrinting::cancelledPrintoutSendsNothingToThePrinter()
+{
+    MainWindowFixture fixture;
+    QVERIFY(fixture.start(numberedRecords(600)));
+    PrintSeams seams = PrintSeams::system();
+    seams.progressDelayMs = 0;
+    fixture.window().setPrintSeams(seams);
+    const int lastJob = lastJobId();
+    QVERIFY(lastJob >= 0);
+    ProgressCanceller canceller;
+    QTest::mouseClick(fixture.command(QStringLiteral("Print")), Qt::LeftButton);
+    QCOMPARE(canceller.shown, 1);
+    // Not a page reached the printer: it was given no job at all.
+    QCOMPARE(lastJobId(), lastJob);
 }
 
 QTEST_MAIN(TestCupsPrinting)
