@@ -1,5 +1,6 @@
 #include "paintedtext.h"
 
+#include <QFontMetricsF>
 #include <QPaintDevice>
 #include <QPaintEngine>
 #include <QPainter>
@@ -102,6 +103,9 @@ QList<PaintedRun> runsOfPiece(const TextPiece &piece)
     const QList<QGlyphRun> glyphRuns = layout.glyphRuns();
     QList<PaintedRun> runs;
     for (QGlyphRun glyphs : glyphRuns) {
+        // Characters no installed font has come without a font at all.
+        if (!glyphs.rawFont().isValid())
+            continue;
         QList<QPointF> positions = glyphs.positions();
         for (QPointF &position : positions)
             position += shift;
@@ -123,7 +127,7 @@ QFont fontAtResolution(const QFont &font, int dotsPerInch)
     return QFont(font, &device);
 }
 
-QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch)
+PaintedText paintedText(const QString &text, const QFont &font, int dotsPerInch)
 {
     TextPieceDevice device(dotsPerInch);
     {
@@ -131,10 +135,18 @@ QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int d
         painter.setFont(font);
         painter.drawText(QPointF(0, 0), text);
     }
-    QList<PaintedRun> runs;
+    PaintedText painted;
     for (const TextPiece &piece : device.pieces())
-        runs.append(runsOfPiece(piece));
-    return runs;
+        painted.runs.append(runsOfPiece(piece));
+    // The painter moves on by the text's width as the font engine lays it
+    // out.
+    painted.advance = QFontMetricsF(fontAtResolution(font, dotsPerInch)).horizontalAdvance(text);
+    return painted;
+}
+
+QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch)
+{
+    return paintedText(text, font, dotsPerInch).runs;
 }
 
 } // namespace quillet

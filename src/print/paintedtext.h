@@ -15,6 +15,13 @@ struct PaintedRun
     QString characters;
 };
 
+// A text as the painter sets it: its glyph runs and how far it moves the pen.
+struct PaintedText
+{
+    QList<PaintedRun> runs;
+    qreal advance = 0;
+};
+
 // The font as it is on a device of the given resolution.
 QFont fontAtResolution(const QFont &font, int dotsPerInch);
 
@@ -22,6 +29,7 @@ QFont fontAtResolution(const QFont &font, int dotsPerInch);
 // on a device of the given resolution: shaped, in other fonts where the font
 // lacks a character, and ordered for display direction by direction,
 // positioned from the point on the baseline where the text starts.
+PaintedText paintedText(const QString &text, const QFont &font, int dotsPerInch);
 QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch);
 
 } // namespace quillet

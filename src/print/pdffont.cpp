@@ -62,7 +62,12 @@ void appendBigEndian32(QByteArray &out, quint32 value)
 
 } // namespace
 
-PdfFont::PdfFont(const QRawFont &font) : m_face(font)
+QByteArray fontIdentity(const QRawFont &font)
+{
+    return font.fontTable("name") + font.fontTable("head");
+}
+
+PdfFont::PdfFont(const QRawFont &font) : m_face(font), m_identity(fontIdentity(font))
 {
     m_embeddable = true;
     for (const char *tag : RequiredTables)
@@ -71,16 +76,9 @@ PdfFont::PdfFont(const QRawFont &font) : m_face(font)
 
 bool PdfFont::isFontOf(const QRawFont &font) const
 {
-    return font.pixelSize() == m_face.pixelSize() && font.familyName() == m_face.familyName() &&
-           font.styleName() == m_face.styleName() && font.weight() == m_face.weight() &&
-           font.style() == m_face.style();
-}
-
-bool PdfFont::hasFaceOf(const PdfFont &other) const
-{
-    const QRawFont &font = other.m_face;
-    return font.familyName() == m_face.familyName() && font.styleName() == m_face.styleName() &&
-           font.weight() == m_face.weight() && font.style() == m_face.style();
+    if (font == m_face)
+        return true;
+    return font.pixelSize() == m_face.pixelSize() && fontIdentity(font) == m_identity;
 }
 
 double PdfFont::width(quint32 glyph)
@@ -111,12 +109,25 @@ void PdfFont::mapToText(quint32 glyph, QStringView text)
 
 QByteArray PdfFont::baseName() const
 {
+    // The PostScript name the naming table gives, in Unicode or Mac Roman.
+    const QByteArray table = m_face.fontTable("name");
+    const int count = unsignedAt(table, 2);
+    const int strings = unsignedAt(table, 4);
     QByteArray name;
-    const QString full = m_face.familyName() + u'-' + m_face.styleName();
-    for (const QChar c : full) {
-        // Names are printable ASCII without delimiters.
-        if (c.unicode() > 0x20 && c.unicode() < 0x7F && !QStringView(u"()<>[]{}/%#").contains(c))
-            name.append(static_cast<char>(c.unicode()));
+    for (int record = 0; record < count && name.isEmpty(); ++record) {
+        const int at = 6 + 12 * record;
+        const int platform = unsignedAt(table, at);
+        if (unsignedAt(table, at + 6) != 6 || (platform != 1 && platform != 3))
+            continue;
+        const int length = unsignedAt(table, at + 8);
+        const int offset = strings + unsignedAt(table, at + 10);
+        const int step = platform == 3 ? 2 : 1;
+        for (int k = step - 1; k < length && offset + k < table.size(); k += step) {
+            const char c = table[offset + k];
+            // Names are printable ASCII without delimiters.
+            if (c > 0x20 && c < 0x7F && !QByteArrayView("()<>[]{}/%#").contains(c))
+                name.append(c);
+        }
     }
     return name.isEmpty() ? QByteArrayLiteral("Font") : name;
 }

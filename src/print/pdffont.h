@@ -8,6 +8,10 @@
 
 namespace quillet {
 
+// What tells one font face from another: its naming and header tables. A
+// face's family name is not enough, and Qt may not know one.
+QByteArray fontIdentity(const QRawFont &font);
+
 // One font of a PDF document: the glyphs drawn with it, their widths and the
 // characters they stand for, and the font program to embed. Glyphs are
 // addressed by their index in the font (Identity encoding), so any glyph
@@ -20,7 +24,7 @@ public:
     // The same face at the same size.
     bool isFontOf(const QRawFont &font) const;
     // The same face, whatever its size: the same font program.
-    bool hasFaceOf(const PdfFont &other) const;
+    bool hasFaceOf(const PdfFont &other) const { return m_identity == other.m_identity; }
     double size() const { return m_face.pixelSize(); }
     // True when the font's TrueType outlines can be embedded; a font without
     // them (CFF outlines) is drawn as filled paths instead.
@@ -45,6 +49,7 @@ public:
 
 private:
     QRawFont m_face;
+    QByteArray m_identity;
     bool m_embeddable = false;
     std::vector<double> m_widths; // NaN where not yet used
     std::vector<QString> m_texts; // empty where unknown

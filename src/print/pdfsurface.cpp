@@ -2,11 +2,11 @@
 
 #include "paintedtext.h"
 #include "pdfdocument.h"
+#include "printertext.h"
 #include "twips.h"
 
 #include <QDir>
 #include <QFontMetricsF>
-#include <QGlyphRun>
 #include <QMarginsF>
 #include <QPageSize>
 #include <QPrinter>
@@ -16,17 +16,6 @@
 #include <algorithm>
 
 namespace quillet {
-
-namespace {
-
-double lastAdvance(const QRawFont &font, quint32 glyph)
-{
-    QPointF advance;
-    font.advancesForGlyphIndexes(&glyph, &advance, 1, QRawFont::UseDesignMetrics);
-    return advance.x();
-}
-
-} // namespace
 
 PdfSurface::PdfSurface() : m_font(QStringLiteral("Arial"))
 {
@@ -79,12 +68,13 @@ void PdfSurface::applyFont()
     m_font.setBold(fontBold());
     if (!m_document)
         return;
-    m_deviceFont = fontAtResolution(m_font, m_resolution);
-    const QFontMetricsF metrics(m_deviceFont);
+    const QFontMetricsF metrics(fontAtResolution(m_font, m_resolution));
     m_lineHeight = metrics.height() / m_dotsPerTwip;
     m_ascent = metrics.ascent();
-    m_rawFont = QRawFont::fromFont(m_deviceFont);
-    m_metrics = &m_latin1[{m_font.pointSizeF(), m_font.bold()}];
+    std::unique_ptr<PrinterText> &text = m_texts[{m_font.pointSizeF(), m_font.bold()}];
+    if (!text)
+        text = std::make_unique<PrinterText>(m_font, m_resolution);
+    m_text = text.get();
 }
 
 void PdfSurface::findPaperEdges(const QPageLayout &layout, int resolution)
@@ -109,140 +99,23 @@ void PdfSurface::startNewPage()
 void PdfSurface::drawText(double x, double y, const QString &text)
 {
     // Blank texts leave no mark: the list's blank lines are a single space.
-    if (!m_document || text.trimmed().isEmpty())
+    if (!m_document || !m_text || text.trimmed().isEmpty())
         return;
     const QPointF baseline(dots(x), dots(y) + m_ascent);
-    // Figures and plain words need no shaping: their glyphs are the font's
-    // glyphs for their characters, side by side, kerned. A character the
-    // font lacks takes the full way, which finds it in another font.
-    if (!drawPlainText(baseline, text))
-        drawShapedText(baseline, text);
-}
-
-bool PdfSurface::drawPlainText(const QPointF &baseline, const QString &text)
-{
-    if (m_metrics && std::all_of(text.cbegin(), text.cend(),
-                                 [](QChar c) { return c.unicode() < Latin1Metrics::Characters; }))
-        return drawLatin1Text(baseline, text);
-    const QList<quint32> glyphs = m_rawFont.glyphIndexesForString(text);
-    if (glyphs.size() != text.size() || glyphs.contains(0u))
-        return false;
-    const QList<QPointF> advances = m_rawFont.advancesForGlyphIndexes(
-        glyphs, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics);
-    QList<QPointF> positions(advances.size());
-    QPointF pen;
-    for (qsizetype n = 0; n < advances.size(); ++n) {
-        positions[n] = pen;
-        pen += advances[n];
-    }
-    drawOnPaper(m_rawFont, baseline, glyphs, positions, text);
-    return true;
-}
-
-bool PdfSurface::drawLatin1Text(const QPointF &baseline, const QString &text)
-{
-    const qsizetype count = text.size();
-    const QChar *characters = text.constData();
-    // Only the glyphs on the paper are gathered, but each is placed by the
-    // pen summed over every advance before it. Nothing is drawn before all
-    // characters are known to have a glyph.
-    const PaperSpan paper = paperSpan(m_rawFont, baseline);
-    QList<quint32> shown;
-    QList<QPointF> shownAt;
-    QString shownText;
-    QPointF pen;
-    for (qsizetype n = 0; n < count; ++n) {
-        const char16_t c = characters[n].unicode();
-        const quint32 glyph = latin1Glyph(c);
-        if (glyph == 0)
-            return false;
-        // The font kerns a glyph against the next one only: the advance of
-        // a pair is the advance it has in any text.
-        const int next = n + 1 < count ? characters[n + 1].unicode() : Latin1Metrics::Last;
-        const QPointF at = pen;
-        pen += latin1Advance(c, next);
-        if (paper.reaches(at.x(), pen.x())) {
-            shown.append(glyph);
-            shownAt.append(at);
-            shownText.append(characters[n]);
-        }
-    }
-    if (!shown.isEmpty())
-        m_document->drawGlyphs(m_rawFont, baseline, shown.constData(), shownAt.constData(),
-                               shown.size(), shownText);
-    return true;
-}
-
-PdfSurface::PaperSpan PdfSurface::paperSpan(const QRawFont &font, const QPointF &baseline) const
-{
     // A 300-digit figure set flush right in its column runs far off the
     // paper's left edge: only the glyphs that reach onto the paper are
-    // drawn. The paper's edges are widened by an em so that no glyph's ink
-    // reaching past its advance is lost.
-    const double slack = font.pixelSize();
-    return {m_paperLeft - slack - baseline.x(), m_paperRight + slack - baseline.x()};
-}
-
-void PdfSurface::drawShapedText(const QPointF &baseline, const QString &text)
-{
-    for (const PaintedRun &run : paintedGlyphRuns(text, m_font, m_resolution))
-        drawOnPaper(run.glyphs.rawFont(), baseline, run.glyphs.glyphIndexes(),
-                    run.glyphs.positions(), run.characters);
-}
-
-void PdfSurface::drawOnPaper(const QRawFont &font, const QPointF &baseline,
-                             const QList<quint32> &glyphs, const QList<QPointF> &positions,
-                             QStringView text)
-{
-    const PaperSpan paper = paperSpan(font, baseline);
-    QList<quint32> shown;
-    QList<QPointF> shownAt;
-    QString shownText;
-    for (qsizetype n = 0; n < glyphs.size(); ++n) {
-        // A glyph spans from its place to the next one's, the last one its
-        // own advance.
-        const double x = positions[n].x();
-        const double end =
-            n + 1 < positions.size() ? positions[n + 1].x() : x + lastAdvance(font, glyphs[n]);
-        if (paper.reaches(x, end)) {
-            shown.append(glyphs[n]);
-            shownAt.append(positions[n]);
-            if (!text.isEmpty())
-                shownText.append(text[n]);
-        }
+    // drawn, each where the whole text puts it. The paper's edges are
+    // widened by an em so that no glyph's ink reaching past its advance is
+    // lost.
+    const double slack = m_text->rawFont().pixelSize();
+    const double left = m_paperLeft - slack - baseline.x();
+    const double right = m_paperRight + slack - baseline.x();
+    for (const PaintedRun &run : m_text->glyphRuns(text, left, right)) {
+        const QList<quint32> glyphs = run.glyphs.glyphIndexes();
+        const QList<QPointF> positions = run.glyphs.positions();
+        m_document->drawGlyphs(run.glyphs.rawFont(), baseline, glyphs.constData(),
+                               positions.constData(), glyphs.size(), run.characters);
     }
-    if (!shown.isEmpty())
-        m_document->drawGlyphs(font, baseline, shown.constData(), shownAt.constData(), shown.size(),
-                               shownText);
-}
-
-quint32 PdfSurface::latin1Glyph(char16_t c)
-{
-    if (!m_metrics->glyphKnown[c]) {
-        const QList<quint32> glyph = m_rawFont.glyphIndexesForString(QString(QChar(c)));
-        m_metrics->glyphs[c] = glyph.size() == 1 ? glyph[0] : 0;
-        m_metrics->glyphKnown[c] = true;
-    }
-    return m_metrics->glyphs[c];
-}
-
-QPointF PdfSurface::latin1Advance(char16_t c, int next)
-{
-    constexpr std::size_t Columns = Latin1Metrics::Characters + 1;
-    if (m_metrics->advances.empty()) {
-        m_metrics->advances.resize(Latin1Metrics::Characters * Columns);
-        m_metrics->advanceKnown.resize(Latin1Metrics::Characters * Columns);
-    }
-    const std::size_t at = c * Columns + static_cast<std::size_t>(next);
-    if (!m_metrics->advanceKnown[at]) {
-        QList<quint32> pair{latin1Glyph(c)};
-        if (next != Latin1Metrics::Last)
-            pair.append(latin1Glyph(static_cast<char16_t>(next)));
-        m_metrics->advances[at] = m_rawFont.advancesForGlyphIndexes(
-            pair, QRawFont::KernedAdvances | QRawFont::UseDesignMetrics)[0];
-        m_metrics->advanceKnown[at] = true;
-    }
-    return m_metrics->advances[at];
 }
 
 void PdfSurface::drawBox(double x1, double y1, double x2, double y2)

@@ -4,13 +4,10 @@
 
 #include <QFont>
 #include <QPageLayout>
-#include <QRawFont>
 #include <QSaveFile>
 #include <QString>
 #include <QTemporaryFile>
 
-#include <algorithm>
-#include <array>
 #include <map>
 #include <memory>
 #include <utility>
@@ -22,6 +19,7 @@ class QPrinter;
 namespace quillet {
 
 class PdfDocument;
+class PrinterText;
 
 // The print surface on a PDF document, for a file and a printer alike.
 // Twips become dots here by the page's resolution; the font is the
@@ -55,56 +53,19 @@ private:
     // The paper's left and right edges in dots, from the printable area's
     // left edge.
     void findPaperEdges(const QPageLayout &layout, int resolution);
-    // Draws a text whose glyphs are the font's glyphs for its characters,
-    // side by side, kerned; false when the font lacks one of them.
-    bool drawPlainText(const QPointF &baseline, const QString &text);
-    bool drawLatin1Text(const QPointF &baseline, const QString &text);
-    // A text that needs shaping or other fonts, laid out as a whole.
-    void drawShapedText(const QPointF &baseline, const QString &text);
-    // Where glyphs reach onto the paper, from a text's start on its baseline.
-    struct PaperSpan
-    {
-        double left;
-        double right;
-        bool reaches(double from, double to) const
-        {
-            return std::max(from, to) > left && std::min(from, to) < right;
-        }
-    };
-    PaperSpan paperSpan(const QRawFont &font, const QPointF &baseline) const;
-    // Draws the glyphs that reach onto the paper.
-    void drawOnPaper(const QRawFont &font, const QPointF &baseline, const QList<quint32> &glyphs,
-                     const QList<QPointF> &positions, QStringView text);
-
-    // The glyph of each character U+0000 to U+00FF in one font, and its
-    // advance kerned against the character after it (or none, the last
-    // column), learnt as they are first met: a long figure then costs a
-    // look-up a character instead of a trip through the font engine.
-    struct Latin1Metrics
-    {
-        static constexpr int Characters = 256;
-        static constexpr int Last = Characters;
-        std::array<quint32, Characters> glyphs{};
-        std::array<bool, Characters> glyphKnown{};
-        std::vector<QPointF> advances;
-        std::vector<bool> advanceKnown;
-    };
-    quint32 latin1Glyph(char16_t c);
-    QPointF latin1Advance(char16_t c, int next);
 
     std::unique_ptr<PdfDocument> m_document;
     int m_resolution = 1200;
     QFont m_font;
-    QFont m_deviceFont; // m_font at the page's resolution
-    QRawFont m_rawFont;
     double m_dotsPerTwip = 1;
     double m_pageHeight = 0;
     double m_lineHeight = 0;
     double m_ascent = 0;
     double m_paperLeft = 0;
     double m_paperRight = 0;
-    std::map<std::pair<double, bool>, Latin1Metrics> m_latin1;
-    Latin1Metrics *m_metrics = nullptr;
+    // The printer font at each size and weight met, with what it learnt.
+    std::map<std::pair<double, bool>, std::unique_ptr<PrinterText>> m_texts;
+    PrinterText *m_text = nullptr;
 };
 
 // A printout written to a PDF file on US Letter paper, all or nothing: the

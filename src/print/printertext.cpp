@@ -1,0 +1,208 @@
+#include "printertext.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+
+namespace quillet {
+
+namespace {
+
+// Characters set left to right whatever surrounds them and shaped alone:
+// no letter 'f' (which starts the fonts' ligatures), nothing that reads
+// right to left or takes its direction from its neighbours, nothing outside
+// the Latin and common scripts.
+bool isLeftToRightCharacter(QChar c)
+{
+    if (c.isSurrogate() || c == u'f' || c == u'\u017F')
+        return false;
+    switch (c.direction()) {
+    case QChar::DirL:
+    case QChar::DirEN:
+    case QChar::DirES:
+    case QChar::DirET:
+    case QChar::DirCS:
+    case QChar::DirWS:
+    case QChar::DirON:
+        break;
+    default:
+        return false;
+    }
+    return c.script() == QChar::Script_Common || c.script() == QChar::Script_Latin;
+}
+
+// The glyphs of runs that reach between left and right, the last glyph's
+// end taken as its place plus its advance.
+PaintedRun withinReach(const PaintedRun &run, double left, double right)
+{
+    const QList<quint32> glyphs = run.glyphs.glyphIndexes();
+    const QList<QPointF> positions = run.glyphs.positions();
+    QList<quint32> keptGlyphs;
+    QList<QPointF> keptPositions;
+    QString keptCharacters;
+    for (qsizetype n = 0; n < glyphs.size(); ++n) {
+        const double x = positions[n].x();
+        double end = 0;
+        if (n + 1 < positions.size()) {
+            end = positions[n + 1].x();
+        } else {
+            QPointF advance;
+            quint32 glyph = glyphs[n];
+            run.glyphs.rawFont().advancesForGlyphIndexes(&glyph, &advance, 1,
+                                                         QRawFont::UseDesignMetrics);
+            end = x + advance.x();
+        }
+        if (std::max(x, end) > left && std::min(x, end) < right) {
+            keptGlyphs.append(glyphs[n]);
+            keptPositions.append(positions[n]);
+            if (!run.characters.isEmpty())
+                keptCharacters.append(run.characters[n]);
+        }
+    }
+    PaintedRun kept{run.glyphs, keptCharacters};
+    kept.glyphs.setGlyphIndexes(keptGlyphs);
+    kept.glyphs.setPositions(keptPositions);
+    return kept;
+}
+
+} // namespace
+
+PrinterText::PrinterText(const QFont &font, int dotsPerInch)
+    : m_font(font), m_dotsPerInch(dotsPerInch),
+      m_rawFont(QRawFont::fromFont(fontAtResolution(font, dotsPerInch))), m_kinds(0x10000, Unseen)
+{}
+
+quint8 PrinterText::learn(QChar c)
+{
+    quint8 &k = m_kinds[c.unicode()];
+    if (!isLeftToRightCharacter(c)) {
+        k = Shaped;
+        return k;
+    }
+    const QList<quint32> glyph = m_rawFont.glyphIndexesForString(QString(c));
+    if (glyph.size() != 1 || glyph[0] == 0) {
+        k = Lacking;
+    } else if (m_characters.size() >= MaxKinds) {
+        k = Shaped;
+    } else {
+        m_characters.push_back(c);
+        m_glyphs.push_back(glyph[0]);
+        k = static_cast<quint8>(m_characters.size());
+    }
+    return k;
+}
+
+QPointF PrinterText::advance(quint8 kind, quint8 nextKind)
+{
+    // The font kerns a glyph against the next one only, and only against a
+    // glyph of its own: the advance of a pair is the advance it has in any
+    // text.
+    const bool kerned = nextKind != Unseen && nextKind != Lacking;
+    const std::size_t column = kerned ? nextKind - 1 : End;
+    const std::size_t at = (kind - 1u) * (MaxKinds + 1u) + column;
+    if (m_advances.empty()) {
+        m_advances.resize(MaxKinds * (MaxKinds + 1));
+        m_advanceKnown.resize(MaxKinds * (MaxKinds + 1));
+    }
+    if (!m_advanceKnown[at]) {
+        QList<quint32> pair{m_glyphs[kind - 1u]};
+        if (kerned)
+            pair.append(m_glyphs[nextKind - 1u]);
+        m_advances[at] = m_rawFont.advancesForGlyphIndexes(pair, QRawFont::KernedAdvances |
+                                                                     QRawFont::UseDesignMetrics)[0];
+        m_advanceKnown[at] = true;
+    }
+    return m_advances[at];
+}
+
+bool PrinterText::isPlain(const QString &text)
+{
+    // A painter set right to left reverses even plain texts.
+    if (QGuiApplication::layoutDirection() != Qt::LeftToRight)
+        return false;
+    return std::none_of(text.cbegin(), text.cend(), [this](QChar c) { return kind(c) == Shaped; });
+}
+
+QList<PaintedRun> PrinterText::glyphRuns(const QString &text, double left, double right)
+{
+    QList<PaintedRun> runs;
+    if (isPlain(text)) {
+        runs = plainRuns(text, left, right);
+    } else {
+        for (const PaintedRun &run : paintedGlyphRuns(text, m_font, m_dotsPerInch))
+            runs.append(withinReach(run, left, right));
+    }
+    runs.removeIf([](const PaintedRun &run) { return run.glyphs.glyphIndexes().isEmpty(); });
+    return runs;
+}
+
+PaintedText PrinterText::paintedLacking(const QString &characters)
+{
+    // A locale's currency sign the font lacks comes back in every figure.
+    auto known = m_lacking.constFind(characters);
+    if (known == m_lacking.cend())
+        known = m_lacking.insert(characters, paintedText(characters, m_font, m_dotsPerInch));
+    return *known;
+}
+
+QList<PaintedRun> PrinterText::plainRuns(const QString &text, double left, double right)
+{
+    QList<PaintedRun> runs;
+    QList<quint32> glyphs;
+    QList<QPointF> positions;
+    QString characters;
+    const auto endRun = [&] {
+        if (glyphs.isEmpty())
+            return;
+        QGlyphRun run;
+        run.setRawFont(m_rawFont);
+        run.setGlyphIndexes(glyphs);
+        run.setPositions(positions);
+        runs.append({run, characters});
+        glyphs.clear();
+        positions.clear();
+        characters.clear();
+    };
+    // Each glyph is placed by the pen summed over every advance before it,
+    // but only the glyphs within reach are gathered.
+    QPointF pen;
+    const qsizetype count = text.size();
+    qsizetype n = 0;
+    quint8 k = count > 0 ? kind(text[0]) : Unseen;
+    while (n < count) {
+        if (k == Lacking) {
+            // Characters the font lacks come from the fonts the painter
+            // finds for them, set as it sets them.
+            qsizetype end = n;
+            while (end < count && kind(text[end]) == Lacking)
+                ++end;
+            endRun();
+            PaintedText lacking = paintedLacking(text.sliced(n, end - n));
+            for (PaintedRun &run : lacking.runs) {
+                QList<QPointF> placed = run.glyphs.positions();
+                for (QPointF &position : placed)
+                    position += pen;
+                run.glyphs.setPositions(placed);
+                runs.append(withinReach(run, left, right));
+            }
+            pen.rx() += lacking.advance;
+            n = end;
+            k = n < count ? kind(text[n]) : Unseen;
+            continue;
+        }
+        const quint8 next = n + 1 < count ? kind(text[n + 1]) : Unseen;
+        const QPointF at = pen;
+        pen += advance(k, next);
+        if (std::max(at.x(), pen.x()) > left && std::min(at.x(), pen.x()) < right) {
+            glyphs.append(m_glyphs[k - 1u]);
+            positions.append(at);
+            characters.append(text[n]);
+        }
+        ++n;
+        k = next;
+    }
+    endRun();
+    return runs;
+}
+
+} // namespace quillet
