@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QRectF>
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillet {
@@ -30,6 +31,23 @@ QByteArray deflated(const QByteArray &data, int level)
 {
     // qCompress puts the uncompressed size in front of the zlib stream.
     return qCompress(data, level).mid(4);
+}
+
+// The six capitals that mark a font's name as a subset, told apart by the
+// glyphs it keeps.
+QByteArray subsetTag(const std::vector<bool> &used)
+{
+    quint32 hash = 2166136261u;
+    for (std::size_t g = 0; g < used.size(); ++g) {
+        if (used[g])
+            hash = (hash ^ static_cast<quint32>(g)) * 16777619u;
+    }
+    QByteArray tag;
+    for (int k = 0; k < 6; ++k) {
+        tag.append(static_cast<char>('A' + hash % 26));
+        hash /= 26;
+    }
+    return tag;
 }
 
 QByteArray reference(int id)
@@ -295,16 +313,29 @@ int PdfDocument::writeFontProgram(std::size_t font)
 {
     // Sizes of one face share its program.
     for (std::size_t k = 0; k < font; ++k) {
-        if (m_fonts[k]->embeddable() && m_fonts[k]->hasFaceOf(*m_fonts[font]))
+        if (m_fonts[k]->embeddable() && m_fonts[k]->hasFaceOf(*m_fonts[font])) {
+            m_fontNames[font] = m_fontNames[k];
             return m_fontPrograms[k];
+        }
     }
     const PdfFont &pdfFont = *m_fonts[font];
-    const QByteArray program = pdfFont.fontProgram();
+    // The glyphs drawn at any size of the face.
+    std::vector<bool> used;
+    for (const std::unique_ptr<PdfFont> &other : m_fonts) {
+        if (!other->hasFaceOf(pdfFont))
+            continue;
+        const std::vector<bool> glyphs = other->usedGlyphs();
+        used.resize(std::max(used.size(), glyphs.size()));
+        for (std::size_t g = 0; g < glyphs.size(); ++g)
+            used[g] = used[g] || glyphs[g];
+    }
+    m_fontNames[font] = subsetTag(used) + '+' + pdfFont.baseName();
+    const QByteArray program = pdfFont.fontProgram(used);
     const int file = newObject();
     writeStream(file, "/Filter /FlateDecode /Length1 " + QByteArray::number(program.size()),
                 deflated(program, FontCompression));
     const int descriptor = newObject();
-    writeObject(descriptor, "<< /Type /FontDescriptor /FontName /" + pdfFont.baseName() + ' ' +
+    writeObject(descriptor, "<< /Type /FontDescriptor /FontName /" + m_fontNames[font] + ' ' +
                                 pdfFont.descriptorEntries() + " /FontFile2 " + reference(file) +
                                 " >>");
     return descriptor;
@@ -314,12 +345,13 @@ QByteArray PdfDocument::writeFonts()
 {
     QByteArray resources("<< /Font <<");
     m_fontPrograms.assign(m_fonts.size(), 0);
+    m_fontNames.assign(m_fonts.size(), QByteArray());
     for (std::size_t k = 0; k < m_fonts.size(); ++k) {
         const PdfFont &font = *m_fonts[k];
         if (!font.embeddable())
             continue;
         m_fontPrograms[k] = writeFontProgram(k);
-        const QByteArray name = font.baseName();
+        const QByteArray &name = m_fontNames[k];
         const int glyphs = newObject();
         writeObject(glyphs, "<< /Type /Font /Subtype /CIDFontType2 /BaseFont /" + name +
                                 " /CIDSystemInfo << /Registry (Adobe) /Ordering (Identity) "

@@ -83,6 +83,7 @@ private:
     std::vector<int> m_pages;
     std::vector<std::unique_ptr<PdfFont>> m_fonts;
     std::vector<int> m_fontPrograms; // each font's descriptor object
+    std::vector<QByteArray> m_fontNames;
 
     bool m_pageOpen = false;
     QByteArray m_content;

@@ -21,6 +21,16 @@ constexpr std::array<const char *, 13> ProgramTables = {"OS/2", "cmap", "cvt ", 
                                                         "head", "hhea", "hmtx", "loca", "maxp",
                                                         "name", "post", "prep"};
 constexpr int HeadChecksumAdjustment = 8;
+constexpr int HeadIndexToLocFormat = 50;
+constexpr int MaxpNumGlyphs = 4;
+
+// Composite glyph flags: how long each part's entry is, and whether more
+// parts follow.
+constexpr quint16 ArgsAreWords = 0x0001;
+constexpr quint16 HaveScale = 0x0008;
+constexpr quint16 MoreComponents = 0x0020;
+constexpr quint16 HaveXAndYScale = 0x0040;
+constexpr quint16 HaveTwoByTwo = 0x0080;
 
 qint16 signedAt(const QByteArray &table, int offset)
 {
@@ -58,6 +68,99 @@ void appendBigEndian32(QByteArray &out, quint32 value)
 {
     appendBigEndian16(out, static_cast<quint16>(value >> 16));
     appendBigEndian16(out, static_cast<quint16>(value));
+}
+
+quint32 unsigned32At(const QByteArray &table, qsizetype offset)
+{
+    if (table.size() < offset + 4)
+        return 0;
+    return qFromBigEndian<quint32>(table.constData() + offset);
+}
+
+// Where each glyph's outline starts in the glyf table, and where the last
+// ends: numGlyphs + 1 offsets. Empty when the table does not add up.
+std::vector<quint32> glyphOffsets(const QByteArray &loca, bool longOffsets, int glyphCount,
+                                  qsizetype glyfSize)
+{
+    std::vector<quint32> offsets;
+    for (int g = 0; g <= glyphCount; ++g) {
+        const quint32 offset =
+            longOffsets ? unsigned32At(loca, g * 4) : 2u * unsignedAt(loca, g * 2);
+        if (offset > glyfSize || (!offsets.empty() && offset < offsets.back()))
+            return {};
+        offsets.push_back(offset);
+    }
+    return offsets;
+}
+
+// The glyphs a composite glyph is made of.
+std::vector<quint16> componentsOf(QByteArrayView outline)
+{
+    std::vector<quint16> parts;
+    const QByteArray data = outline.toByteArray();
+    if (data.size() < 10 || signedAt(data, 0) >= 0)
+        return parts;
+    int at = 10;
+    quint16 flags = MoreComponents;
+    while ((flags & MoreComponents) && at + 4 <= data.size()) {
+        flags = unsignedAt(data, at);
+        parts.push_back(unsignedAt(data, at + 2));
+        at += 4 + ((flags & ArgsAreWords) ? 4 : 2);
+        if (flags & HaveScale)
+            at += 2;
+        else if (flags & HaveXAndYScale)
+            at += 4;
+        else if (flags & HaveTwoByTwo)
+            at += 8;
+    }
+    return parts;
+}
+
+// Keeps the outlines of the used glyphs and their parts; the others become
+// empty. The new loca table has long offsets.
+bool subsetOutlines(QByteArray &glyf, QByteArray &loca, QByteArray &head, const QByteArray &maxp,
+                    std::vector<bool> used)
+{
+    const int glyphCount = unsignedAt(maxp, MaxpNumGlyphs);
+    const bool longOffsets = signedAt(head, HeadIndexToLocFormat) == 1;
+    const std::vector<quint32> offsets = glyphOffsets(loca, longOffsets, glyphCount, glyf.size());
+    if (offsets.empty() || head.size() < HeadIndexToLocFormat + 2)
+        return false;
+    used.resize(static_cast<std::size_t>(glyphCount), false);
+    used[0] = true; // .notdef, drawn for what no font has
+    std::vector<quint16> pending;
+    for (int g = 0; g < glyphCount; ++g) {
+        if (used[static_cast<std::size_t>(g)])
+            pending.push_back(static_cast<quint16>(g));
+    }
+    while (!pending.empty()) {
+        const quint16 g = pending.back();
+        pending.pop_back();
+        const QByteArrayView outline =
+            QByteArrayView(glyf).sliced(offsets[g], offsets[g + 1u] - offsets[g]);
+        for (const quint16 part : componentsOf(outline)) {
+            if (part < glyphCount && !used[part]) {
+                used[part] = true;
+                pending.push_back(part);
+            }
+        }
+    }
+    QByteArray keptGlyf;
+    QByteArray keptLoca;
+    for (int g = 0; g < glyphCount; ++g) {
+        appendBigEndian32(keptLoca, static_cast<quint32>(keptGlyf.size()));
+        if (!used[static_cast<std::size_t>(g)])
+            continue;
+        keptGlyf.append(glyf.constData() + offsets[static_cast<std::size_t>(g)],
+                        offsets[g + 1u] - offsets[static_cast<std::size_t>(g)]);
+        keptGlyf.append(QByteArray((4 - keptGlyf.size() % 4) % 4, '\0'));
+    }
+    appendBigEndian32(keptLoca, static_cast<quint32>(keptGlyf.size()));
+    glyf = keptGlyf;
+    loca = keptLoca;
+    head[HeadIndexToLocFormat] = 0;
+    head[HeadIndexToLocFormat + 1] = 1;
+    return true;
 }
 
 } // namespace
@@ -199,11 +302,31 @@ QByteArray PdfFont::descriptorEntries() const
     return out;
 }
 
-QByteArray PdfFont::fontProgram() const
+std::vector<bool> PdfFont::usedGlyphs() const
 {
+    std::vector<bool> used(m_widths.size());
+    for (std::size_t g = 0; g < m_widths.size(); ++g)
+        used[g] = !std::isnan(m_widths[g]);
+    return used;
+}
+
+QByteArray PdfFont::fontProgram(const std::vector<bool> &used) const
+{
+    QByteArray glyf = m_face.fontTable("glyf");
+    QByteArray loca = m_face.fontTable("loca");
+    QByteArray head = m_face.fontTable("head");
+    // A font whose tables do not add up is embedded whole.
+    if (!subsetOutlines(glyf, loca, head, m_face.fontTable("maxp"), used)) {
+        glyf = m_face.fontTable("glyf");
+        loca = m_face.fontTable("loca");
+        head = m_face.fontTable("head");
+    }
     std::vector<std::pair<const char *, QByteArray>> tables;
     for (const char *tag : ProgramTables) {
-        QByteArray data = m_face.fontTable(tag);
+        QByteArray data = qstrcmp(tag, "glyf") == 0   ? glyf
+                          : qstrcmp(tag, "loca") == 0 ? loca
+                          : qstrcmp(tag, "head") == 0 ? head
+                                                      : m_face.fontTable(tag);
         if (!data.isEmpty())
             tables.emplace_back(tag, std::move(data));
     }

@@ -44,8 +44,12 @@ public:
     QByteArray widthArray() const;
     QByteArray toUnicodeCMap() const;
     QByteArray descriptorEntries() const; // bounding box, ascent, descent, flags
-    // The font program: an sfnt rebuilt from the face's tables.
-    QByteArray fontProgram() const;
+    // The glyphs drawn with this font, by index.
+    std::vector<bool> usedGlyphs() const;
+    // The font program: an sfnt rebuilt from the face's tables, keeping the
+    // outlines of the used glyphs (and of the parts they are built of) and
+    // leaving the others empty, so that glyph indexes stay as they are.
+    QByteArray fontProgram(const std::vector<bool> &used) const;
 
 private:
     QRawFont m_face;

@@ -12,6 +12,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <optional>
+
 using namespace quillet;
 using namespace quillet::test;
 
@@ -125,6 +127,7 @@ private slots:
     void glyphsPlacedAwayFromTheirAdvancesKeepTheirPlaces();
     void glyphIndexesThatLookLikeStringSyntaxReadBackAsTheirCharacters();
     void titleIsTheDocumentsTitle();
+    void embeddedFontKeepsTheOutlinesOfTheGlyphsDrawn();
     void boxesAndLinesAreFilledBlack();
     void pathsAreFilledBlack();
     void deviceThatRefusesAWriteFailsTheDocument();
@@ -249,6 +252,50 @@ void TestPdfDocument::glyphIndexesThatLookLikeStringSyntaxReadBackAsTheirCharact
     QCOMPARE(pages.size(), 1);
     QVERIFY(!pages[0].contains('\r'));
     QVERIFY(pages[0].contains("\\r"));
+}
+
+void TestPdfDocument::embeddedFontKeepsTheOutlinesOfTheGlyphsDrawn()
+{
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    const QString path = dir.filePath(QStringLiteral("outlines.pdf"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    PdfDocument document(file, Sheet, QStringLiteral("Outlines"));
+    // An em an inch high: at 72 dots an inch a glyph is 72 pixels tall.
+    const QRawFont font = arial(1200);
+    const QPointF baseline(1200, 2400);
+    drawPlain(document, font, baseline, QStringLiteral("I\u00C9"));
+    QVERIFY(document.finish());
+    file.close();
+    // Only what was drawn is embedded, not the whole face.
+    QVERIFY2(file.size() < font.fontTable("glyf").size() / 4,
+             qPrintable(QString::number(file.size())));
+
+    const QImage page = rendered(path);
+    QVERIFY(!page.isNull());
+    const QList<quint32> glyphs = font.glyphIndexesForString(QStringLiteral("I\u00C9"));
+    const QList<QPointF> advances =
+        font.advancesForGlyphIndexes(glyphs, QRawFont::UseDesignMetrics);
+    // A point inside each glyph near its top: the I's stem, the accent of
+    // the E acute, which the font builds from an E and an accent.
+    QPointF pen = baseline;
+    for (qsizetype n = 0; n < glyphs.size(); ++n) {
+        const QPainterPath outline = font.pathForGlyph(glyphs[n]).translated(pen);
+        const QRectF box = outline.boundingRect();
+        const double y = box.top() + box.height() * 0.04;
+        std::optional<QPointF> inside;
+        for (double x = box.left(); x < box.right() && !inside; x += 1)
+            if (outline.contains(QPointF(x, y)))
+                inside = QPointF(x, y);
+        QVERIFY(inside.has_value());
+        const QPoint pixel = (*inside * 72 / 1200).toPoint();
+        QVERIFY2(
+            qGray(page.pixel(pixel)) < 128,
+            qPrintable(
+                QStringLiteral("glyph %1 missing at %2, %3").arg(n).arg(pixel.x()).arg(pixel.y())));
+        pen += advances[n];
+    }
 }
 
 void TestPdfDocument::titleIsTheDocumentsTitle()
