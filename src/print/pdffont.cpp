@@ -85,7 +85,7 @@ std::vector<quint32> glyphOffsets(const QByteArray &loca, bool longOffsets, int 
     std::vector<quint32> offsets;
     for (int g = 0; g <= glyphCount; ++g) {
         const quint32 offset =
-            longOffsets ? unsigned32At(loca, g * 4) : 2u * unsignedAt(loca, g * 2);
+            longOffsets ? unsigned32At(loca, qsizetype{g} * 4) : 2u * unsignedAt(loca, g * 2);
         if (offset > glyfSize || (!offsets.empty() && offset < offsets.back()))
             return {};
         offsets.push_back(offset);

@@ -99,10 +99,10 @@ QPointF PrinterText::advance(quint8 kind, quint8 nextKind)
     // text.
     const bool kerned = nextKind != Unseen && nextKind != Lacking;
     const std::size_t column = kerned ? nextKind - 1 : End;
-    const std::size_t at = (kind - 1u) * (MaxKinds + 1u) + column;
+    const std::size_t at = (kind - std::size_t{1}) * (MaxKinds + 1) + column;
     if (m_advances.empty()) {
-        m_advances.resize(MaxKinds * (MaxKinds + 1));
-        m_advanceKnown.resize(MaxKinds * (MaxKinds + 1));
+        m_advances.resize(Pairs);
+        m_advanceKnown.resize(Pairs);
     }
     if (!m_advanceKnown[at]) {
         QList<quint32> pair{m_glyphs[kind - 1u]};

@@ -9,6 +9,7 @@
 #include <QRawFont>
 #include <QString>
 
+#include <cstddef>
 #include <limits>
 #include <vector>
 
@@ -41,8 +42,9 @@ private:
     static constexpr quint8 Unseen = 0;
     static constexpr quint8 Lacking = 0xFE;
     static constexpr quint8 Shaped = 0xFF;
-    static constexpr int MaxKinds = 200;
-    static constexpr int End = MaxKinds;
+    static constexpr std::size_t MaxKinds = 200;
+    static constexpr std::size_t End = MaxKinds;
+    static constexpr std::size_t Pairs = MaxKinds * (MaxKinds + 1);
 
     quint8 kind(QChar c)
     {

@@ -42,8 +42,8 @@ bool isPairedCharacter(QChar c)
 // exactly the width the font engine adds up for the whole text.
 struct TextMeasure::PairAdvances
 {
-    static constexpr int MaxKinds = 64;
-    static constexpr int End = MaxKinds;
+    static constexpr std::size_t MaxKinds = 64;
+    static constexpr std::size_t End = MaxKinds;
     static constexpr quint8 Unseen = 0;
     static constexpr quint8 Unpaired = 0xFF;
 
@@ -69,8 +69,8 @@ struct TextMeasure::PairAdvances
 
     qreal advance(const QFontMetricsF &metrics, quint8 kind, quint8 nextKind)
     {
-        const int column = nextKind == Unseen ? End : nextKind - 1;
-        qreal &a = advances[(kind - 1) * (MaxKinds + 1) + column];
+        const std::size_t column = nextKind == Unseen ? End : nextKind - std::size_t{1};
+        qreal &a = advances[(kind - std::size_t{1}) * (MaxKinds + 1) + column];
         if (std::isnan(a)) {
             const QChar c = characters[kind - 1];
             if (nextKind == Unseen) {
