@@ -1,5 +1,7 @@
 #include "printertext.h"
 
+#include "textmeasure.h"
+
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -7,29 +9,6 @@
 namespace quillet {
 
 namespace {
-
-// Characters set left to right whatever surrounds them and shaped alone:
-// no letter 'f' (which starts the fonts' ligatures), nothing that reads
-// right to left or takes its direction from its neighbours, nothing outside
-// the Latin and common scripts.
-bool isLeftToRightCharacter(QChar c)
-{
-    if (c.isSurrogate() || c == u'f' || c == u'\u017F')
-        return false;
-    switch (c.direction()) {
-    case QChar::DirL:
-    case QChar::DirEN:
-    case QChar::DirES:
-    case QChar::DirET:
-    case QChar::DirCS:
-    case QChar::DirWS:
-    case QChar::DirON:
-        break;
-    default:
-        return false;
-    }
-    return c.script() == QChar::Script_Common || c.script() == QChar::Script_Latin;
-}
 
 // The glyphs of runs that reach between left and right, the last glyph's
 // end taken as its place plus its advance.
@@ -75,7 +54,7 @@ PrinterText::PrinterText(const QFont &font, int dotsPerInch)
 quint8 PrinterText::learn(QChar c)
 {
     quint8 &k = m_kinds[c.unicode()];
-    if (!isLeftToRightCharacter(c)) {
+    if (!isPairedCharacter(c)) {
         k = Shaped;
         return k;
     }

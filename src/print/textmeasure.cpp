@@ -8,8 +8,6 @@
 
 namespace quillet {
 
-namespace {
-
 // Characters whose advance depends on the next character alone: no letter
 // 'f' (which starts every ligature of the program's fonts), nothing that
 // reads right to left or takes its direction from its neighbours (marks,
@@ -33,8 +31,6 @@ bool isPairedCharacter(QChar c)
     }
     return c.script() == QChar::Script_Common || c.script() == QChar::Script_Latin;
 }
-
-} // namespace
 
 // Each character met gets a small number; the advance of a character before
 // another is kept at [its number][the other's], before the end of the text

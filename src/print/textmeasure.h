@@ -37,6 +37,11 @@ private:
     std::shared_ptr<PairAdvances> m_pairs;
 };
 
+// Whether a character's advance depends on the next character alone, and it
+// is set left to right whatever surrounds it: such characters can be set
+// and measured from advances learnt per pair.
+bool isPairedCharacter(QChar c);
+
 // The longest beginning of s that is at most w twips wide in the measure's
 // font (equality fits); the empty text when not even one character fits.
 // A text that fits costs one measurement.

@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QPainterPath>
 #include <QProcess>
@@ -51,6 +52,35 @@ QList<Word> words(const QString &path)
     }
     return found;
 }
+
+// A PDF document written into a file of a scratch folder.
+class ScratchPdf
+{
+public:
+    ScratchPdf(const PdfPageGeometry &geometry, const QString &title)
+        : m_path(m_dir.filePath(QStringLiteral("out.pdf"))), m_file(m_path)
+    {
+        if (m_dir.isValid() && m_file.open(QIODevice::WriteOnly))
+            m_document.emplace(m_file, geometry, title);
+    }
+
+    bool isOpen() const { return m_document.has_value(); }
+    PdfDocument &document() { return *m_document; }
+    const QString &path() const { return m_path; }
+    // Finishes the document and closes its file; false when it failed.
+    bool finish()
+    {
+        const bool written = m_document->finish();
+        m_file.close();
+        return written;
+    }
+
+private:
+    ScratchDirectory m_dir;
+    QString m_path;
+    QFile m_file;
+    std::optional<PdfDocument> m_document;
+};
 
 // Draws a text's glyphs side by side by the font's own advances, one
 // character a glyph.
@@ -135,19 +165,16 @@ private slots:
 
 void TestPdfDocument::everyPageBegunIsInTheFileOnItsPaper()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("pages.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, {QSizeF(595, 842), 600, QPoint(0, 0)}, QStringLiteral("Pages"));
+    ScratchPdf pdf({QSizeF(595, 842), 600, QPoint(0, 0)}, QStringLiteral("Pages"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     const QRawFont font = arial(100);
     for (int page = 1; page <= 3; ++page) {
         document.beginPage();
         drawPlain(document, font, QPointF(600, 600), QStringLiteral("Page %1").arg(page));
     }
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     QCOMPARE(pdfPageCount(path), 3);
     QCOMPARE(pdfText(path), QStringLiteral("Page 1\n\n\fPage 2\n\n\fPage 3\n\n\f"));
     QProcess info;
@@ -159,30 +186,23 @@ void TestPdfDocument::everyPageBegunIsInTheFileOnItsPaper()
 
 void TestPdfDocument::documentWithNothingDrawnStillHasAPage()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("empty.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Empty"));
-    QVERIFY(document.finish());
-    file.close();
+    ScratchPdf pdf(Sheet, QStringLiteral("Empty"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    const QString &path = pdf.path();
+    QVERIFY(pdf.finish());
     QCOMPARE(pdfPageCount(path), 1);
 }
 
 void TestPdfDocument::glyphsLandWhereTheyArePlacedFromThePrintableCorner()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("placed.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, InsetSheet, QStringLiteral("Placed"));
+    ScratchPdf pdf(InsetSheet, QStringLiteral("Placed"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     // Half an inch right and two inches down from the printable corner,
     // which is an inch in: 108 points from the left, 216 from the top.
     drawPlain(document, arial(200), QPointF(600, 2400), QStringLiteral("Placed"));
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     const QList<Word> found = words(path);
     QCOMPARE(found.size(), 1);
     QCOMPARE(found[0].text, QStringLiteral("Placed"));
@@ -195,12 +215,10 @@ void TestPdfDocument::glyphsLandWhereTheyArePlacedFromThePrintableCorner()
 
 void TestPdfDocument::glyphsPlacedAwayFromTheirAdvancesKeepTheirPlaces()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("spaced.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Spaced"));
+    ScratchPdf pdf(Sheet, QStringLiteral("Spaced"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     const QRawFont font = arial(200);
     const QList<quint32> glyphs = font.glyphIndexesForString(QStringLiteral("123"));
     // An inch apart, then a tenth of a dot on from where the advance ends.
@@ -210,8 +228,7 @@ void TestPdfDocument::glyphsPlacedAwayFromTheirAdvancesKeepTheirPlaces()
                                    QPointF(1200 + advance + 0.1, 0)};
     document.drawGlyphs(font, QPointF(1200, 1200), glyphs.constData(), positions.constData(), 3,
                         u"123");
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     const QList<Word> found = words(path);
     QCOMPARE(found.size(), 2);
     QCOMPARE(found[0].text, QStringLiteral("1"));
@@ -236,15 +253,12 @@ void TestPdfDocument::glyphIndexesThatLookLikeStringSyntaxReadBackAsTheirCharact
         }
     }
     QVERIFY2(text.size() == 4, qPrintable(QStringLiteral("only %1 found").arg(text)));
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("escaped.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Escaped"));
+    ScratchPdf pdf(Sheet, QStringLiteral("Escaped"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     drawPlain(document, font, QPointF(1200, 1200), text + text);
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     QCOMPARE(pdfText(path).trimmed(), text + text);
     // A bare carriage return in a string would be read as a line feed.
     QList<QByteArray> pages = compressedStreams(path);
@@ -256,21 +270,18 @@ void TestPdfDocument::glyphIndexesThatLookLikeStringSyntaxReadBackAsTheirCharact
 
 void TestPdfDocument::embeddedFontKeepsTheOutlinesOfTheGlyphsDrawn()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("outlines.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Outlines"));
+    ScratchPdf pdf(Sheet, QStringLiteral("Outlines"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     // An em an inch high: at 72 dots an inch a glyph is 72 pixels tall.
     const QRawFont font = arial(1200);
     const QPointF baseline(1200, 2400);
     drawPlain(document, font, baseline, QStringLiteral("I\u00C9"));
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     // Only what was drawn is embedded, not the whole face.
-    QVERIFY2(file.size() < font.fontTable("glyf").size() / 4,
-             qPrintable(QString::number(file.size())));
+    QVERIFY2(QFileInfo(path).size() < font.fontTable("glyf").size() / 4,
+             qPrintable(QString::number(QFileInfo(path).size())));
 
     const QImage page = rendered(path);
     QVERIFY(!page.isNull());
@@ -300,14 +311,10 @@ void TestPdfDocument::embeddedFontKeepsTheOutlinesOfTheGlyphsDrawn()
 
 void TestPdfDocument::titleIsTheDocumentsTitle()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("title.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Loan \u00DCbersicht (2)"));
-    QVERIFY(document.finish());
-    file.close();
+    ScratchPdf pdf(Sheet, QStringLiteral("Loan \u00DCbersicht (2)"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    const QString &path = pdf.path();
+    QVERIFY(pdf.finish());
     QProcess info;
     info.start(QStringLiteral("pdfinfo"), {path});
     QVERIFY(info.waitForFinished(60000));
@@ -319,20 +326,17 @@ void TestPdfDocument::titleIsTheDocumentsTitle()
 
 void TestPdfDocument::boxesAndLinesAreFilledBlack()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("marks.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, InsetSheet, QStringLiteral("Marks"));
+    ScratchPdf pdf(InsetSheet, QStringLiteral("Marks"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     // A box from 1 to 2 inches in each direction of the printable area,
     // so 144 to 216 points on the sheet; a line 10 points thick across at
     // 4 inches down, from 1 to 5 inches: 360 points down on the sheet, from
     // 144 to 432 across.
     document.fillRect(QRectF(1200, 1200, 1200, 1200));
     document.strokeLine(QPointF(1200, 4800), QPointF(6000, 4800), 10 * 1200 / 72.0);
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     const QImage page = rendered(path);
     QVERIFY(!page.isNull());
     QCOMPARE(page.size(), QSize(612, 792));
@@ -353,12 +357,10 @@ void TestPdfDocument::boxesAndLinesAreFilledBlack()
 
 void TestPdfDocument::pathsAreFilledBlack()
 {
-    ScratchDirectory dir;
-    QVERIFY2(dir.isValid(), "no temporary directory");
-    const QString path = dir.filePath(QStringLiteral("path.pdf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    PdfDocument document(file, Sheet, QStringLiteral("Path"));
+    ScratchPdf pdf(Sheet, QStringLiteral("Path"));
+    QVERIFY2(pdf.isOpen(), "no scratch file");
+    PdfDocument &document = pdf.document();
+    const QString &path = pdf.path();
     // A triangle, and a circle made of curves, each an inch across.
     QPainterPath triangle;
     triangle.moveTo(1200, 1200);
@@ -369,8 +371,7 @@ void TestPdfDocument::pathsAreFilledBlack()
     QPainterPath circle;
     circle.addEllipse(QRectF(3600, 1200, 1200, 1200));
     document.fillPath(circle);
-    QVERIFY(document.finish());
-    file.close();
+    QVERIFY(pdf.finish());
     const QImage page = rendered(path);
     QVERIFY(!page.isNull());
     QVERIFY(isBlack(page, 80, 80));
