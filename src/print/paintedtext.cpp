@@ -127,7 +127,7 @@ QFont fontAtResolution(const QFont &font, int dotsPerInch)
     return QFont(font, &device);
 }
 
-PaintedText paintedText(const QString &text, const QFont &font, int dotsPerInch)
+QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch)
 {
     TextPieceDevice device(dotsPerInch);
     {
@@ -135,18 +135,18 @@ PaintedText paintedText(const QString &text, const QFont &font, int dotsPerInch)
         painter.setFont(font);
         painter.drawText(QPointF(0, 0), text);
     }
-    PaintedText painted;
+    QList<PaintedRun> runs;
     for (const TextPiece &piece : device.pieces())
-        painted.runs.append(runsOfPiece(piece));
-    // The painter moves on by the text's width as the font engine lays it
-    // out.
-    painted.advance = QFontMetricsF(fontAtResolution(font, dotsPerInch)).horizontalAdvance(text);
-    return painted;
+        runs.append(runsOfPiece(piece));
+    return runs;
 }
 
-QList<PaintedRun> paintedGlyphRuns(const QString &text, const QFont &font, int dotsPerInch)
+PaintedText paintedText(const QString &text, const QFont &font, int dotsPerInch)
 {
-    return paintedText(text, font, dotsPerInch).runs;
+    // The painter moves on by the text's width as the font engine lays it
+    // out.
+    return {paintedGlyphRuns(text, font, dotsPerInch),
+            QFontMetricsF(fontAtResolution(font, dotsPerInch)).horizontalAdvance(text)};
 }
 
 } // namespace quillet
