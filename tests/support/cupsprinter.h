@@ -86,6 +86,31 @@ inline QString prepareCupsPdfPrinter()
     return {};
 }
 
+inline const QString RefusingPrinterName = QStringLiteral("QuilletRefusing");
+
+// A second cups-pdf printer that refuses every job, for the failures of
+// handing a printout over. Returns why it cannot be had, or nothing.
+inline QString prepareRefusingPrinter()
+{
+    if (runCommand(QStringLiteral("lpstat"), {QStringLiteral("-p"), RefusingPrinterName})
+            .exitCode != 0) {
+        if (geteuid() != 0)
+            return QStringLiteral("only root may add a printer");
+        const Command added =
+            runCommand(QStringLiteral("lpadmin"),
+                       {QStringLiteral("-p"), RefusingPrinterName, QStringLiteral("-v"),
+                        QStringLiteral("cups-pdf:/"), QStringLiteral("-E"), QStringLiteral("-m"),
+                        QStringLiteral("lsb/usr/cups-pdf/CUPS-PDF_opt.ppd")});
+        if (added.exitCode != 0)
+            return QStringLiteral("lpadmin could not add the printer: ") + added.out;
+    }
+    if (runCommand(QStringLiteral("cupsreject"), {RefusingPrinterName}).exitCode != 0)
+        return QStringLiteral("cupsreject failed");
+    if (QPrinterInfo::printerInfo(RefusingPrinterName).isNull())
+        return QStringLiteral("Qt does not see the refusing printer");
+    return {};
+}
+
 inline QString outputDirectory()
 {
     return QDir::home().filePath(QStringLiteral("PDF"));

@@ -4,8 +4,14 @@
 #include "pdftext.h"
 #include "printjob.h"
 #include "progresscanceller.h"
+#include "testfiles.h"
+#include "pdfsurface.h"
 
 #include <QDir>
+#include <QFile>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace quillet;
@@ -21,6 +27,7 @@ private slots:
     void printingTheInvestmentListMatchesTheReportsPdf();
     void printingTheLoanListMatchesTheReportsPdf();
     void cancelledPrintoutSendsNothingToThePrinter();
+    void printerThatRefusesTheDocumentSaysSoAndKeepsNoCopy();
 
 private:
     void printListAndCompare(bool investments);
@@ -87,6 +94,32 @@ void TestCupsPrinting::cancelledPrintoutSendsNothingToThePrinter()
     QCOMPARE(canceller.shown, 1);
     // Not a page reached the printer: it was given no job at all.
     QCOMPARE(lastJobId(), lastJob);
+}
+
+void TestCupsPrinting::printerThatRefusesTheDocumentSaysSoAndKeepsNoCopy()
+{
+    if (const QString why = prepareRefusingPrinter(); !why.isEmpty())
+        QSKIP(qPrintable(QStringLiteral("no refusing printer: ") + why));
+    // The document is drawn into a file of the temporary folder first; none
+    // is left behind.
+    ScratchDirectory dir;
+    QVERIFY2(dir.isValid(), "no temporary directory");
+    const QString spool = dir.filePath(QStringLiteral("spool"));
+    QVERIFY(QDir().mkdir(spool));
+    const QByteArray oldTemp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(spool));
+    const auto restore = qScopeGuard([&oldTemp] { qputenv("TMPDIR", oldTemp); });
+    QPrinter printer(QPrinterInfo::printerInfo(RefusingPrinterName), QPrinter::HighResolution);
+    QCOMPARE(printer.printerName(), RefusingPrinterName);
+    {
+        PrinterSurface surface(printer, QStringLiteral("Refused"));
+        QVERIFY(surface.isOpen());
+        surface.printLine(QStringLiteral("Never printed"));
+        QVERIFY(!surface.endDoc());
+        QCOMPARE(surface.errorText(),
+                 QStringLiteral("The printer QuilletRefusing did not accept the document."));
+    }
+    QCOMPARE(QDir(spool).entryList(QDir::Files), QStringList());
 }
 
 QTEST_MAIN(TestCupsPrinting)
