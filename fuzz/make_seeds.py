@@ -87,6 +87,26 @@ REPORT_ARGS = {
 }
 
 
+# Printed lines: a locale selector (0 en_US, 3 he_IL, 4 fa_IR, 5 ar_EG,
+# 6 hi_IN), a style byte (font size, weight, where lines begin), then the
+# lines as UTF-16.
+PRINTOUTS = {
+    'figures': (0, 0, '($1,234.57) \n10.00% \n30.0 '),
+    'huge_figure': (0, 1, '$' + '9' * 300 + '.00 \n' + '1' * 200),
+    'bold_heading': (0, 6, 'Investments\nDescription'),
+    'hebrew': (3, 8, '\u200f-1,234.00\u00a0\u20aa \n\u05d0\u05d1 12 \u05d2 '),
+    'persian': (4, 16, '\u06f1\u06f2\u066c\u06f3\u06f4\u06f5 \u0631\u06cc\u0627\u0644 '),
+    'arabic': (5, 24, '\u0662\u0665\u0660\u066c\u0660\u0660\u0660\u066b\u0660\u0660\u00a0'
+                      '\u062c.\u0645.\u200f '),
+    'rupee': (6, 2, '\u20b9 12,34,567.00 \nPaid \u2713 office'),
+    'controls': (0, 3, '\x00\x01\t\u00ad\u0301a\u2028b\ufeff'),
+}
+
+
+def printout(selector, style, text):
+    return bytes([selector, style]) + text.encode('utf-16-le')
+
+
 def write(target, name, data):
     folder = os.path.join(HERE, 'corpus', target)
     os.makedirs(folder, exist_ok=True)
@@ -110,6 +130,8 @@ def main():
         write('fuzz_celltext', name, data)
     for name, text in REPORT_ARGS.items():
         write('fuzz_report_args', name, text.encode())
+    for name, (selector, style, text) in PRINTOUTS.items():
+        write('fuzz_printout', name, printout(selector, style, text))
 
 
 if __name__ == '__main__':
