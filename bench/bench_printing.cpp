@@ -124,9 +124,9 @@ void listToPdf(benchmark::State &state)
     report(state, static_cast<int>(records.size()), pages);
 }
 
-void scheduleToPdf(benchmark::State &state)
+// Prints a schedule into a PDF file again and again.
+void printScheduleToPdf(benchmark::State &state, const SchedulePrintJob &job)
 {
-    const SchedulePrintJob job = loanSchedule(static_cast<int>(state.range(0)));
     const TextMeasure measure = scheduleWindowMeasure(96);
     QTemporaryDir dir;
     int pages = 0;
@@ -140,20 +140,14 @@ void scheduleToPdf(benchmark::State &state)
     report(state, job.periodCount, pages);
 }
 
+void scheduleToPdf(benchmark::State &state)
+{
+    printScheduleToPdf(state, loanSchedule(static_cast<int>(state.range(0))));
+}
+
 void hugeScheduleToPdf(benchmark::State &state)
 {
-    const SchedulePrintJob job = hugeLoanSchedule(static_cast<int>(state.range(0)));
-    const TextMeasure measure = scheduleWindowMeasure(96);
-    QTemporaryDir dir;
-    int pages = 0;
-    for (auto _ : state) {
-        PdfFileSurface pdf(dir.filePath(QStringLiteral("huge.pdf")),
-                           QStringLiteral("Loan Amortization"));
-        if (!PrintAmort(pdf, measure, job).printed())
-            state.SkipWithError("the PDF was not written");
-        pages = pdf.pageCount();
-    }
-    report(state, job.periodCount, pages);
+    printScheduleToPdf(state, hugeLoanSchedule(static_cast<int>(state.range(0))));
 }
 
 void hugeScheduleLayout(benchmark::State &state)

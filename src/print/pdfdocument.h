@@ -57,7 +57,6 @@ public:
     // Writes the last page, the fonts and the index of objects. False when
     // the device refused a write at any point.
     bool finish();
-    int pageCount() const { return static_cast<int>(m_pages.size()); }
 
 private:
     int newObject();

@@ -13,8 +13,6 @@
 
 #include <cups/cups.h>
 
-#include <algorithm>
-
 namespace quillet {
 
 PdfSurface::PdfSurface() : m_font(QStringLiteral("Arial"))

@@ -11,7 +11,6 @@
 #include <map>
 #include <memory>
 #include <utility>
-#include <vector>
 
 class QIODevice;
 class QPrinter;

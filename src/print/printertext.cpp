@@ -10,6 +10,13 @@ namespace quillet {
 
 namespace {
 
+// Whether a glyph from `from` to `to` along the baseline reaches between
+// left and right.
+bool reaches(double from, double to, double left, double right)
+{
+    return std::max(from, to) > left && std::min(from, to) < right;
+}
+
 // The glyphs of runs that reach between left and right, the last glyph's
 // end taken as its place plus its advance.
 PaintedRun withinReach(const PaintedRun &run, double left, double right)
@@ -31,7 +38,7 @@ PaintedRun withinReach(const PaintedRun &run, double left, double right)
                                                          QRawFont::UseDesignMetrics);
             end = x + advance.x();
         }
-        if (std::max(x, end) > left && std::min(x, end) < right) {
+        if (reaches(x, end, left, right)) {
             keptGlyphs.append(glyphs[n]);
             keptPositions.append(positions[n]);
             if (!run.characters.isEmpty())
@@ -48,26 +55,23 @@ PaintedRun withinReach(const PaintedRun &run, double left, double right)
 
 PrinterText::PrinterText(const QFont &font, int dotsPerInch)
     : m_font(font), m_dotsPerInch(dotsPerInch),
-      m_rawFont(QRawFont::fromFont(fontAtResolution(font, dotsPerInch))), m_kinds(0x10000, Unseen)
+      m_rawFont(QRawFont::fromFont(fontAtResolution(font, dotsPerInch)))
 {}
 
 quint8 PrinterText::learn(QChar c)
 {
-    quint8 &k = m_kinds[c.unicode()];
     if (!isPairedCharacter(c)) {
-        k = Shaped;
-        return k;
+        m_pairs.mark(c, Shaped);
+        return Shaped;
     }
     const QList<quint32> glyph = m_rawFont.glyphIndexesForString(QString(c));
     if (glyph.size() != 1 || glyph[0] == 0) {
-        k = Lacking;
-    } else if (m_characters.size() >= MaxKinds) {
-        k = Shaped;
-    } else {
-        m_characters.push_back(c);
-        m_glyphs.push_back(glyph[0]);
-        k = static_cast<quint8>(m_characters.size());
+        m_pairs.mark(c, Lacking);
+        return Lacking;
     }
+    const quint8 k = m_pairs.number(c);
+    if (k != Shaped)
+        m_glyphs.push_back(glyph[0]);
     return k;
 }
 
@@ -76,22 +80,14 @@ QPointF PrinterText::advance(quint8 kind, quint8 nextKind)
     // The font kerns a glyph against the next one only, and only against a
     // glyph of its own: the advance of a pair is the advance it has in any
     // text.
-    const bool kerned = nextKind != Unseen && nextKind != Lacking;
-    const std::size_t column = kerned ? nextKind - 1 : End;
-    const std::size_t at = (kind - std::size_t{1}) * (MaxKinds + 1) + column;
-    if (m_advances.empty()) {
-        m_advances.resize(Pairs);
-        m_advanceKnown.resize(Pairs);
-    }
-    if (!m_advanceKnown[at]) {
-        QList<quint32> pair{m_glyphs[kind - 1u]};
-        if (kerned)
-            pair.append(m_glyphs[nextKind - 1u]);
-        m_advances[at] = m_rawFont.advancesForGlyphIndexes(pair, QRawFont::KernedAdvances |
-                                                                     QRawFont::UseDesignMetrics)[0];
-        m_advanceKnown[at] = true;
-    }
-    return m_advances[at];
+    const quint8 next = nextKind == Lacking ? Unseen : nextKind;
+    return m_pairs.pair(kind, next, [this](quint8 k, quint8 after) {
+        QList<quint32> pair{m_glyphs[k - 1u]};
+        if (after != Unseen)
+            pair.append(m_glyphs[after - 1u]);
+        return m_rawFont.advancesForGlyphIndexes(pair, QRawFont::KernedAdvances |
+                                                           QRawFont::UseDesignMetrics)[0];
+    });
 }
 
 bool PrinterText::isPlain(const QString &text)
@@ -172,7 +168,7 @@ QList<PaintedRun> PrinterText::plainRuns(const QString &text, double left, doubl
         const quint8 next = n + 1 < count ? kind(text[n + 1]) : Unseen;
         const QPointF at = pen;
         pen += advance(k, next);
-        if (std::max(at.x(), pen.x()) > left && std::min(at.x(), pen.x()) < right) {
+        if (reaches(at.x(), pen.x(), left, right)) {
             glyphs.append(m_glyphs[k - 1u]);
             positions.append(at);
             characters.append(text[n]);

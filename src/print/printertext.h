@@ -1,5 +1,6 @@
 #pragma once
 
+#include "characterpairs.h"
 #include "paintedtext.h"
 
 #include <QFont>
@@ -39,16 +40,13 @@ public:
 private:
     // What is known of a character: its number among the plain characters
     // met, or that the font lacks it, or that it needs the full layout.
-    static constexpr quint8 Unseen = 0;
+    static constexpr quint8 Unseen = CharacterPairs<QPointF>::Unseen;
     static constexpr quint8 Lacking = 0xFE;
-    static constexpr quint8 Shaped = 0xFF;
-    static constexpr std::size_t MaxKinds = 200;
-    static constexpr std::size_t End = MaxKinds;
-    static constexpr std::size_t Pairs = MaxKinds * (MaxKinds + 1);
+    static constexpr quint8 Shaped = CharacterPairs<QPointF>::Refused;
 
     quint8 kind(QChar c)
     {
-        const quint8 known = m_kinds[c.unicode()];
+        const quint8 known = m_pairs.kind(c);
         return known != Unseen ? known : learn(c);
     }
     quint8 learn(QChar c);
@@ -61,11 +59,8 @@ private:
     QFont m_font;
     int m_dotsPerInch;
     QRawFont m_rawFont;
-    std::vector<quint8> m_kinds;
-    std::vector<QChar> m_characters;
-    std::vector<quint32> m_glyphs;
-    std::vector<QPointF> m_advances;
-    std::vector<bool> m_advanceKnown;
+    CharacterPairs<QPointF> m_pairs; // kerned advances
+    std::vector<quint32> m_glyphs;   // the glyph of each numbered character
     QHash<QString, PaintedText> m_lacking;
 };
 

@@ -1,10 +1,7 @@
 #include "textmeasure.h"
 
+#include "characterpairs.h"
 #include "twips.h"
-
-#include <cmath>
-#include <limits>
-#include <vector>
 
 namespace quillet {
 
@@ -32,52 +29,36 @@ bool isPairedCharacter(QChar c)
     return c.script() == QChar::Script_Common || c.script() == QChar::Script_Latin;
 }
 
-// Each character met gets a small number; the advance of a character before
-// another is kept at [its number][the other's], before the end of the text
-// in the last column. Advances are multiples of 1/64 pixel, so their sum is
-// exactly the width the font engine adds up for the whole text.
+// The advance of a character before another, or before the end of a text.
+// Advances are multiples of 1/64 pixel, so their sum is exactly the width the
+// font engine adds up for the whole text.
 struct TextMeasure::PairAdvances
 {
-    static constexpr std::size_t MaxKinds = 64;
-    static constexpr std::size_t End = MaxKinds;
-    static constexpr quint8 Unseen = 0;
-    static constexpr quint8 Unpaired = 0xFF;
+    CharacterPairs<qreal> pairs;
 
-    std::vector<quint8> kinds = std::vector<quint8>(0x10000, Unseen);
-    std::vector<QChar> characters;
-    std::vector<qreal> advances =
-        std::vector<qreal>(MaxKinds * (MaxKinds + 1), std::numeric_limits<qreal>::quiet_NaN());
-
-    // The character's number from 1, or Unpaired.
+    // The character's number from 1, or Refused.
     quint8 kind(QChar c)
     {
-        quint8 &k = kinds[c.unicode()];
-        if (k == Unseen) {
-            if (!isPairedCharacter(c) || characters.size() >= MaxKinds) {
-                k = Unpaired;
-            } else {
-                characters.push_back(c);
-                k = static_cast<quint8>(characters.size());
-            }
+        const quint8 k = pairs.kind(c);
+        if (k != CharacterPairs<qreal>::Unseen)
+            return k;
+        if (!isPairedCharacter(c)) {
+            pairs.mark(c, CharacterPairs<qreal>::Refused);
+            return CharacterPairs<qreal>::Refused;
         }
-        return k;
+        return pairs.number(c);
     }
 
     qreal advance(const QFontMetricsF &metrics, quint8 kind, quint8 nextKind)
     {
-        const std::size_t column = nextKind == Unseen ? End : nextKind - std::size_t{1};
-        qreal &a = advances[(kind - std::size_t{1}) * (MaxKinds + 1) + column];
-        if (std::isnan(a)) {
-            const QChar c = characters[kind - 1];
-            if (nextKind == Unseen) {
-                a = metrics.horizontalAdvance(QString(c));
-            } else {
-                const QChar next = characters[nextKind - 1];
-                a = metrics.horizontalAdvance(QString(c) + next) -
-                    metrics.horizontalAdvance(QString(next));
-            }
-        }
-        return a;
+        return pairs.pair(kind, nextKind, [&](quint8 k, quint8 next) {
+            const QChar c = pairs.character(k);
+            if (next == CharacterPairs<qreal>::Unseen)
+                return metrics.horizontalAdvance(QString(c));
+            const QChar after = pairs.character(next);
+            return metrics.horizontalAdvance(QString(c) + after) -
+                   metrics.horizontalAdvance(QString(after));
+        });
     }
 };
 
@@ -88,11 +69,13 @@ TextMeasure::TextMeasure(const QFont &font, qreal logicalDpi)
 std::optional<qreal> TextMeasure::pairedWidth(QStringView text) const
 {
     qreal sum = 0;
-    quint8 next = text.isEmpty() ? PairAdvances::Unseen : m_pairs->kind(text.front());
+    constexpr quint8 End = CharacterPairs<qreal>::Unseen;
+    constexpr quint8 Unpaired = CharacterPairs<qreal>::Refused;
+    quint8 next = text.isEmpty() ? End : m_pairs->kind(text.front());
     for (qsizetype n = 0; n < text.size(); ++n) {
         const quint8 kind = next;
-        next = n + 1 < text.size() ? m_pairs->kind(text[n + 1]) : PairAdvances::Unseen;
-        if (kind == PairAdvances::Unpaired || next == PairAdvances::Unpaired)
+        next = n + 1 < text.size() ? m_pairs->kind(text[n + 1]) : End;
+        if (kind == Unpaired || next == Unpaired)
             return std::nullopt;
         sum += m_pairs->advance(m_metrics, kind, next);
     }
